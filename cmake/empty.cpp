@@ -1,0 +1,1 @@
+// Placeholder translation unit for a unit that has no sources yet.

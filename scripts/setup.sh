@@ -1,0 +1,28 @@
+#!/usr/bin/env bash
+# Installs what vel needs to build and test, from Debian's packages.
+set -euo pipefail
+
+packages=(g++ cmake make libgtest-dev libgmock-dev libbenchmark-dev
+          libyaml-cpp-dev nlohmann-json3-dev libcli11-dev python3-mpmath)
+
+missing=()
+for p in "${packages[@]}"; do
+  if ! dpkg-query -W -f='${Status}' "$p" 2>/dev/null | grep -q 'install ok installed'; then
+    missing+=("$p")
+  fi
+done
+
+if [ ${#missing[@]} -eq 0 ]; then
+  exit 0
+fi
+
+if [ "$(id -u)" -ne 0 ]; then
+  echo "setup: missing Debian packages: ${missing[*]}" >&2
+  echo "setup: run as root, or: sudo apt-get install ${missing[*]}" >&2
+  exit 1
+fi
+
+echo "setup: installing ${missing[*]}" >&2
+export DEBIAN_FRONTEND=noninteractive
+apt-get update -qq
+apt-get install -y --no-install-recommends "${missing[@]}"

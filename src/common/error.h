@@ -1,0 +1,24 @@
+// The library's thread-local error code and the names of its codes.
+#pragma once
+
+#include "vel/vel.h"
+
+extern "C" {
+// 0 = no error; otherwise one of the vel_error_* codes.  Every entry point
+// sets it; an inner failure propagates it unchanged.
+extern thread_local int _vel_error_code;
+}
+
+namespace vel {
+
+// Sets the error code and returns it, for `return fail(vel_error_usage);`.
+inline int fail(int code) {
+  _vel_error_code = code;
+  return code;
+}
+
+// Thread-local text of the last host failure that has one (a parse error,
+// say); cleared by set_error_message(nullptr) or "".
+void set_error_message(const char *text, long position = 0);
+
+}  // namespace vel

@@ -1,0 +1,85 @@
+// The table generator's entries: the _vel_ ones shared with the host (C
+// linkage) and the functions private to the module.
+#pragma once
+
+#include <cstddef>
+#include <cstdint>
+
+#include "host/records.h"
+
+extern "C" {
+
+int _vel_jt_generate_tables(vel_junction_tree_t *junction_tree);
+int _vel_check_state_values(vel_node_t *node);
+int _vel_assign_types(vel_expression_t *expression, uint32_t mode);
+int _vel_node_compute_function_value(vel_node_t *node, uint32_t mode);
+void _vel_invalidate_function_value(vel_node_t *node, uint32_t mode);
+void _vel_invalidate_function_children(vel_node_t *node, uint32_t mode);
+void _vel_domain_initialize_function_status_codes(vel_domain_t *domain);
+void _vel_cc_initialize_function_status_codes(vel_collection_t *collection, uint64_t first);
+
+}  // extern "C"
+
+// Texts of the named operators, indexed by operator code - 60 (codes 60..100).
+extern const char *const operator_names[41];
+
+// Typing and structural checks (typing.cpp).
+int node_check_expression(vel_node_t *node, vel_expression_t *expression);
+int value_is_used(const vel_node_t *node, const vel_expression_t *expression);
+int node_value_is_used_in_model(const vel_model_t *model, const vel_node_t *node);
+int get_unique_node(const vel_expression_t *expression, vel_node_t **slot);
+
+// Evaluation (eval_numeric.cpp, eval_values.cpp).
+int eval_numeric_expr(const vel_expression_t *expression, double *result);
+int eval_boolean_expr(const vel_expression_t *expression);
+const char *eval_label_expr(const vel_expression_t *expression);
+const vel_expression_t *eval_distribution_expr(const vel_expression_t *expression,
+                                               double *lower, double *upper);
+int eval_distribution_or_numeric_expr(const vel_expression_t *expression, double *value,
+                                      const vel_expression_t **slot, double *lower,
+                                      double *upper);
+int eval_distribution_or_label_expr(const vel_expression_t *expression, const char **value,
+                                    const vel_expression_t **slot, double *lower,
+                                    double *upper);
+int eval_distribution_or_boolean_expr(const vel_expression_t *expression, int *value,
+                                      const vel_expression_t **slot, double *lower,
+                                      double *upper);
+
+// Discretization (compute_distribution.cpp, continuous.cpp, discrete.cpp).
+// result: rows of n doubles (row 0 probabilities, rows 1 and 2 minimum and
+// maximum, then three scratch rows per interval parent).
+int compute_distribution(const vel_expression_t *expression, vel_node_t **nodes,
+                         double *result, uint64_t n, uint64_t samples);
+// The Normal ... PERT branch (codes 60..68; Uniform only on interval nodes).
+int continuous_distribution(const vel_expression_t *distribution, vel_node_t *node,
+                            double *result, uint64_t n, double lower, double upper,
+                            int truncated);
+// The Binomial, Poisson, NegativeBinomial, Geometric branch (codes 69..72).
+int discrete_distribution(const vel_expression_t *distribution, vel_node_t *node,
+                          double *result, uint64_t n, int truncated);
+int check_state_range(double lower, double upper, vel_node_t *node, uint64_t n,
+                      uint32_t op, int truncated);
+
+// Generation (driver.cpp, generate_probability.cpp, generate_utility.cpp).
+size_t size_multiply(size_t a, size_t b);
+int generate_probability(vel_table_t *table, double *work, float **data,
+                         vel_expression_t **expressions, vel_node_t **nodes,
+                         const vel_control_t *control);
+int generate_utility(vel_table_t *table, float **data, vel_expression_t **expressions,
+                     vel_node_t **nodes, const vel_control_t *control);
+int compute_value(const vel_expression_t *expression, vel_node_t **nodes, double *value,
+                  double *min, double *max, uint64_t samples);
+
+// Values from inference (inference_values.cpp).
+int compute_dcu_value(vel_node_t *node);
+int64_t get_inferred_state(const vel_node_t *node);
+int value_is_needed(const vel_node_t *node);
+
+// Function nodes (function_nodes.cpp).
+int evaluate_function_node(vel_node_t *node, uint32_t mode);
+void initialize_ancestors(vel_node_t *node, uint32_t mode);
+void clear_ancestors(vel_node_t *node);
+int compute_function_value(vel_node_t *node, uint32_t mode);
+int compute_function_value_aux(vel_node_t *node, uint32_t mode);
+vel_expression_t *get_expression(const vel_model_t *model);
+int eval_expression_nodes(const vel_expression_t *expression, uint32_t mode);
