@@ -1,0 +1,108 @@
+#include "host/operators.h"
+
+#include "vel/vel.h"
+
+namespace vel::host {
+namespace {
+
+constexpr uint32_t num = vel_type_number;
+constexpr uint32_t boolean = vel_type_boolean;
+constexpr uint32_t dist = vel_type_distribution;
+constexpr int many = -1;
+
+// Beta takes 2 or 4 arguments (never 3); arity_fits knows that exception.
+constexpr OperatorInfo operators[] = {
+    {vel_op_Normal, "Normal", 2, 2, false, 0, false, dist, true},
+    {vel_op_LogNormal, "LogNormal", 2, 3, false, 0, false, dist, true},
+    {vel_op_Beta, "Beta", 2, 4, false, 0, false, dist, true},
+    {vel_op_Gamma, "Gamma", 2, 3, false, 0, false, dist, true},
+    {vel_op_Exponential, "Exponential", 1, 2, false, 0, false, dist, true},
+    {vel_op_Weibull, "Weibull", 2, 3, false, 0, false, dist, true},
+    {vel_op_Uniform, "Uniform", 2, 2, false, 0, false, dist, true},
+    {vel_op_Triangular, "Triangular", 3, 3, false, 0, false, dist, true},
+    {vel_op_PERT, "PERT", 3, 4, false, 0, false, dist, true},
+    {vel_op_Binomial, "Binomial", 2, 2, false, 0, false, dist, true},
+    {vel_op_Poisson, "Poisson", 1, 1, false, 0, false, dist, true},
+    {vel_op_NegativeBinomial, "NegativeBinomial", 2, 2, false, 0, false, dist, true},
+    {vel_op_Geometric, "Geometric", 1, 1, false, 0, false, dist, true},
+    {vel_op_Distribution, "Distribution", 1, many, false, 0, false, dist, true},
+    {vel_op_NoisyOR, "NoisyOR", 2, many, true, 0, false, dist, true},
+    {vel_op_truncate, "truncate", 2, 3, false, 0, false, dist, true},
+    {vel_op_aggregate, "aggregate", 2, 2, false, 0x3, false, dist, true},
+    {vel_op_probability, "probability", 1, 1, false, 0, true, num, true},
+    {vel_op_variance, "variance", 1, 1, false, 0x1, false, num, true},
+    {vel_op_quantile, "quantile", 2, 2, false, 0x1, false, num, true},
+    {vel_op_min, "min", 1, many, false, 0, false, num, true},
+    {vel_op_max, "max", 1, many, false, 0, false, num, true},
+    {vel_op_log, "log", 1, 1, false, 0, false, num, true},
+    {vel_op_log2, "log2", 1, 1, false, 0, false, num, true},
+    {vel_op_log10, "log10", 1, 1, false, 0, false, num, true},
+    {vel_op_exp, "exp", 1, 1, false, 0, false, num, true},
+    {vel_op_sin, "sin", 1, 1, false, 0, false, num, true},
+    {vel_op_cos, "cos", 1, 1, false, 0, false, num, true},
+    {vel_op_tan, "tan", 1, 1, false, 0, false, num, true},
+    {vel_op_sinh, "sinh", 1, 1, false, 0, false, num, true},
+    {vel_op_cosh, "cosh", 1, 1, false, 0, false, num, true},
+    {vel_op_tanh, "tanh", 1, 1, false, 0, false, num, true},
+    {vel_op_sqrt, "sqrt", 1, 1, false, 0, false, num, true},
+    {vel_op_abs, "abs", 1, 1, false, 0, false, num, true},
+    {vel_op_floor, "floor", 1, 1, false, 0, false, num, true},
+    {vel_op_ceil, "ceil", 1, 1, false, 0, false, num, true},
+    {vel_op_mod, "mod", 2, 2, false, 0, false, num, true},
+    {vel_op_if, "if", 3, 3, false, 0, false, 0, true},
+    {vel_op_and, "and", 0, many, false, 0, false, boolean, true},
+    {vel_op_or, "or", 0, many, false, 0, false, boolean, true},
+    {vel_op_not, "not", 1, 1, false, 0, false, boolean, true},
+    {vel_op_add, "+", 2, 2, false, 0, false, num, false},
+    {vel_op_subtract, "-", 2, 2, false, 0, false, num, false},
+    {vel_op_multiply, "*", 2, 2, false, 0, false, num, false},
+    {vel_op_divide, "/", 2, 2, false, 0, false, num, false},
+    {vel_op_power, "^", 2, 2, false, 0, false, num, false},
+    {vel_op_negate, "-", 1, 1, false, 0, false, num, false},
+    {vel_op_state_index_of, "state_index", 1, 1, false, 0x1, false, num, true},
+    {vel_op_equals, "==", 2, 2, false, 0, false, boolean, false},
+    {vel_op_less_than, "<", 2, 2, false, 0, false, boolean, false},
+    {vel_op_greater_than, ">", 2, 2, false, 0, false, boolean, false},
+    {vel_op_not_equals, "!=", 2, 2, false, 0, false, boolean, false},
+    {vel_op_less_or_equal, "<=", 2, 2, false, 0, false, boolean, false},
+    {vel_op_greater_or_equal, ">=", 2, 2, false, 0, false, boolean, false},
+    {vel_op_number, "number", 0, 0, false, 0, false, num, false},
+    {vel_op_label, "label", 0, 0, false, 0, false, vel_type_label, false},
+    {vel_op_node, "node", 0, 0, false, 0, false, 0, false},
+    {vel_op_truth, "truth", 0, 0, false, 0, false, boolean, false},
+};
+
+}  // namespace
+
+const OperatorInfo *find_operator(int code) {
+  for (const OperatorInfo &info : operators)
+    if (info.code == code) return &info;
+  return nullptr;
+}
+
+const OperatorInfo *find_call(std::string_view name) {
+  for (const OperatorInfo &info : operators)
+    if (info.is_call && name == info.name) return &info;
+  return nullptr;
+}
+
+bool arity_fits(const OperatorInfo &info, int count) {
+  if (count < info.min_arguments) return false;
+  if (info.max_arguments != many && count > info.max_arguments) return false;
+  if (info.even_count && count % 2 != 0) return false;
+  if (info.code == vel_op_Beta && count == 3) return false;
+  return true;
+}
+
+const char *arity_text(const OperatorInfo &info) {
+  if (info.even_count) return "an even number, 2 or more";
+  if (info.code == vel_op_Beta) return "2 or 4";
+  if (info.max_arguments == many) return info.min_arguments == 0 ? "0 or more" : "1 or more";
+  static const char *const exact[] = {"0", "1", "2", "3", "4"};
+  if (info.min_arguments == info.max_arguments) return exact[info.min_arguments];
+  if (info.min_arguments == 1) return "1 or 2";
+  if (info.min_arguments == 2) return "2 or 3";
+  return "3 or 4";
+}
+
+}  // namespace vel::host

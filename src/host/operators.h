@@ -1,0 +1,33 @@
+// The host's table of expression operators: call names, arities, which
+// arguments must be node references, and the result type the builder sets.
+// The builder and the parser share it so that both enforce the same shapes.
+#pragma once
+
+#include <cstdint>
+#include <string_view>
+
+namespace vel::host {
+
+struct OperatorInfo {
+  int code;
+  const char *name;        // call name ("Normal", "state_index") or infix symbol ("+")
+  int min_arguments;
+  int max_arguments;       // -1: no upper limit
+  bool even_count;         // NoisyOR: arguments come in whole pairs
+  uint32_t node_arguments; // bit i set: argument i must be a node reference
+  bool needs_node;         // probability: the argument must refer to some node
+  uint32_t result_type;    // type the builder sets; 0: set by typing (if)
+  bool is_call;            // written as name(arguments) in the text form
+};
+
+// Operator with this code, or nullptr (leaves 114..117 included, with zero arities).
+const OperatorInfo *find_operator(int code);
+// Call operator with this name (codes 60..100 and state_index), or nullptr.
+const OperatorInfo *find_call(std::string_view name);
+// Whether `count` arguments suit the operator.
+bool arity_fits(const OperatorInfo &info, int count);
+// Human text of the allowed counts: "2", "2 or 3", "2 or 4", "1 or more",
+// "an even number, 2 or more", "0 or more".
+const char *arity_text(const OperatorInfo &info);
+
+}  // namespace vel::host
