@@ -1,5 +1,6 @@
 #include "host/operators.h"
 
+#include "common/error.h"
 #include "vel/vel.h"
 
 namespace vel::host {
@@ -106,3 +107,9 @@ const char *arity_text(const OperatorInfo &info) {
 }
 
 }  // namespace vel::host
+
+extern "C" const char *vel_operator_name(int code) {
+  const vel::host::OperatorInfo *info = vel::host::find_operator(code);
+  _vel_error_code = info ? 0 : vel_error_usage;
+  return info ? info->name : nullptr;
+}
