@@ -1,0 +1,253 @@
+// Numeric evaluation of an expression for the current states and values of
+// the nodes it refers to.
+#include <cmath>
+#include <cstdint>
+
+#include "common/error.h"
+#include "host/host.h"
+#include "table_generator/table_generator.h"
+
+namespace {
+
+constexpr double inverse_ln2 = 1.4426950408889634;
+constexpr double two_to_63 = 9223372036854775808.0;
+
+// A negative base needs an integral exponent that fits a signed 64-bit
+// integer.  The range test comes first: converting anything outside
+// [-2^63, 2^63), or NaN, to an integer is undefined.  2^63 itself is refused
+// here, as it would not survive the round trip through the integer anyway.
+int power(double a, double b, double *result) {
+  if (a > 0) {
+    *result = std::pow(a, b);
+    return 0;
+  }
+  if (a < 0) {
+    if (!(b >= -two_to_63 && b < two_to_63)) return vel::fail(vel_error_invalid_argument);
+    const int64_t n = static_cast<int64_t>(b);
+    if (static_cast<double>(n) != b) return vel::fail(vel_error_invalid_argument);
+    const double magnitude = std::pow(-a, b);
+    *result = (n & 1) == 0 ? magnitude : -magnitude;
+    return 0;
+  }
+  // Zero or NaN base: 0^0 is refused deliberately.
+  if (b > 0) {
+    *result = 0.0;
+    return 0;
+  }
+  return vel::fail(vel_error_invalid_argument);
+}
+
+// Floored modulo: the result takes the sign of the divisor.
+int floored_mod(double a, double b, double *result) {
+  if (b == 0) return vel::fail(vel_error_invalid_argument);
+  double r = std::fmod(a, b);
+  if (r != 0 && a * b < 0) r += b;
+  *result = r;
+  return 0;
+}
+
+int binary(const vel_expression_t *e, double *result) {
+  double a;
+  double b;
+  if (eval_numeric_expr(e->arguments[0], &a)) return _vel_error_code;
+  if (eval_numeric_expr(e->arguments[1], &b)) return _vel_error_code;
+  switch (e->operator_) {
+    case vel_op_add:
+      *result = a + b;
+      return 0;
+    case vel_op_subtract:
+      *result = a - b;
+      return 0;
+    case vel_op_multiply:
+      *result = a * b;
+      return 0;
+    case vel_op_divide:
+      if (b == 0) return vel::fail(vel_error_division_by_zero);
+      *result = a / b;
+      return 0;
+    case vel_op_power:
+      return power(a, b, result);
+    default:  // mod
+      return floored_mod(a, b, result);
+  }
+}
+
+int unary(const vel_expression_t *e, double *result) {
+  double x;
+  if (eval_numeric_expr(e->arguments[0], &x)) return _vel_error_code;
+  switch (e->operator_) {
+    case vel_op_log:
+      if (x <= 0) return vel::fail(vel_error_invalid_argument);
+      *result = std::log(x);
+      return 0;
+    case vel_op_log2:
+      if (x <= 0) return vel::fail(vel_error_invalid_argument);
+      *result = std::log(x) * inverse_ln2;
+      return 0;
+    case vel_op_log10:
+      if (x <= 0) return vel::fail(vel_error_invalid_argument);
+      *result = std::log10(x);
+      return 0;
+    case vel_op_sqrt:
+      if (x < 0) return vel::fail(vel_error_invalid_argument);
+      *result = std::sqrt(x);
+      return 0;
+    case vel_op_exp: *result = std::exp(x); return 0;
+    case vel_op_sin: *result = std::sin(x); return 0;
+    case vel_op_cos: *result = std::cos(x); return 0;
+    case vel_op_tan: *result = std::tan(x); return 0;
+    case vel_op_sinh: *result = std::sinh(x); return 0;
+    case vel_op_cosh: *result = std::cosh(x); return 0;
+    case vel_op_tanh: *result = std::tanh(x); return 0;
+    case vel_op_abs: *result = std::fabs(x); return 0;
+    case vel_op_floor: *result = std::floor(x); return 0;
+    case vel_op_ceil: *result = std::ceil(x); return 0;
+    default:  // negate
+      *result = -x;
+      return 0;
+  }
+}
+
+// min and max keep the running result unless the new value is strictly
+// better, so a NaN already held is never replaced and a later NaN never wins.
+int extremum(const vel_expression_t *e, double *result) {
+  vel_expression_t *const *args = e->arguments;
+  if (eval_numeric_expr(args[0], result)) return _vel_error_code;
+  const bool is_min = e->operator_ == vel_op_min;
+  for (size_t i = 1; args[i]; ++i) {
+    double t;
+    if (eval_numeric_expr(args[i], &t)) return _vel_error_code;
+    if (is_min ? *result > t : t > *result) *result = t;
+  }
+  return 0;
+}
+
+int conditional(const vel_expression_t *e, double *result) {
+  const int condition = eval_boolean_expr(e->arguments[0]);
+  if (condition < 0) return _vel_error_code;
+  return eval_numeric_expr(e->arguments[condition ? 1 : 2], result);
+}
+
+int state_index_of(const vel_expression_t *e, double *result) {
+  const int64_t index = e->arguments[0]->node->state_index;
+  if (index < 0) return vel::fail(vel_error_computation);
+  *result = static_cast<double>(index);
+  return 0;
+}
+
+int quantile(const vel_expression_t *e, double *result) {
+  double p;
+  if (eval_numeric_expr(e->arguments[1], &p)) return _vel_error_code;
+  if (p < 0 || p > 1) return vel::fail(vel_error_invalid_argument);
+  *result = vel_node_get_quantile(e->arguments[0]->node, p);
+  return _vel_error_code;
+}
+
+// Whether the junction tree holds results that probability may read.
+int check_inference_state(const vel_node_t *node) {
+  if (!node->domain->is_compiled) return vel::fail(vel_error_not_compiled);
+  const vel_junction_tree_t *jt = node->junction_tree;
+  if (!jt || jt->equilibrium == vel_equilibrium_none)
+    return vel::fail(vel_error_not_propagated);
+  if (jt->equilibrium == vel_equilibrium_sum &&
+      (jt->evidence_mode == vel_evidence_mode_normal || jt->evidence_pending == 0))
+    return 0;
+  return vel::fail(vel_error_computation);
+}
+
+// Sum of the beliefs of the states in which the condition holds.  The node's
+// state_index and value are borrowed for the sweep and always given back.
+int sum_beliefs(vel_node_t *node, const vel_expression_t *condition, double *result) {
+  if (!node->belief_table || !node->belief_table->data)
+    return vel::fail(vel_error_computation);
+  const float *beliefs = node->belief_table->data;
+  const double saved_value = node->value;
+  double sum = 0.0;
+  for (uint64_t i = 0; i < node->state_count; ++i) {
+    if (!(beliefs[i] > 0)) continue;
+    node->state_index = static_cast<int64_t>(i);
+    if (node->subtype == vel_subtype_numbered)
+      node->value = _vel_node_get_state_value(node, static_cast<int64_t>(i));
+    const int holds = eval_boolean_expr(condition);
+    if (holds < 0) {
+      node->state_index = -1;
+      node->value = saved_value;
+      return _vel_error_code;
+    }
+    if (holds) sum += static_cast<double>(beliefs[i]);
+  }
+  node->state_index = -1;
+  node->value = saved_value;
+  *result = sum;
+  return 0;
+}
+
+int probability(const vel_expression_t *e, double *result) {
+  const vel_expression_t *condition = e->arguments[0];
+  vel_node_t *node = nullptr;
+  // With several nodes the first one met is used; the answer is not needed.
+  get_unique_node(condition, &node);
+  if (!node) return vel::fail(vel_error_invalid_expression);
+  if (node->subtype == vel_subtype_interval && value_is_used(node, condition))
+    return vel::fail(vel_error_invalid_expression);
+  if (check_inference_state(node)) return _vel_error_code;
+  if (node->state_index >= 0) {
+    const int holds = eval_boolean_expr(condition);
+    if (holds < 0) return _vel_error_code;
+    *result = holds ? 1.0 : 0.0;
+    return 0;
+  }
+  return sum_beliefs(node, condition, result);
+}
+
+}  // namespace
+
+int eval_numeric_expr(const vel_expression_t *expression, double *result) {
+  switch (expression->operator_) {
+    case vel_op_number:
+      *result = expression->number;
+      return 0;
+    case vel_op_node:
+      *result = expression->node->value;
+      return 0;
+    case vel_op_add:
+    case vel_op_subtract:
+    case vel_op_multiply:
+    case vel_op_divide:
+    case vel_op_power:
+    case vel_op_mod:
+      return binary(expression, result);
+    case vel_op_negate:
+    case vel_op_log:
+    case vel_op_log2:
+    case vel_op_log10:
+    case vel_op_exp:
+    case vel_op_sin:
+    case vel_op_cos:
+    case vel_op_tan:
+    case vel_op_sinh:
+    case vel_op_cosh:
+    case vel_op_tanh:
+    case vel_op_sqrt:
+    case vel_op_abs:
+    case vel_op_floor:
+    case vel_op_ceil:
+      return unary(expression, result);
+    case vel_op_min:
+    case vel_op_max:
+      return extremum(expression, result);
+    case vel_op_if:
+      return conditional(expression, result);
+    case vel_op_state_index_of:
+      return state_index_of(expression, result);
+    case vel_op_probability:
+      return probability(expression, result);
+    case vel_op_variance:
+      *result = expression->arguments[0]->node->variance;
+      return 0;
+    case vel_op_quantile:
+      return quantile(expression, result);
+    default:
+      return vel::fail(vel_error_unsupported);
+  }
+}
