@@ -70,6 +70,22 @@ int generate_utility(vel_table_t *table, float **data, vel_expression_t **expres
 int compute_value(const vel_expression_t *expression, vel_node_t **nodes, double *value,
                   double *min, double *max, uint64_t samples);
 
+// Checks shared by generation and vel_node_check_model (state_value_checks.cpp,
+// check_model.cpp).  The host's verdict on the node's state values; 0 for
+// nodes the test does not apply to.
+int state_values_verdict(const vel_node_t *node);
+// Called for each missing (vel_check_missing_expression) or unfitting
+// (vel_check_invalid_expression) expression; nonzero ends the scan with it.
+typedef int (*expression_problem_t)(void *context, int kind, uint64_t index);
+// Scans every expression of the model in index order; 0 when all are present
+// and fit the node, else 34 (set) after the whole scan, or the first nonzero
+// result of `problem`.
+int scan_model_expressions(vel_node_t *node, const vel_model_t *model,
+                           expression_problem_t problem, void *context);
+// The single sample point of an interval parent's state with an unbounded end;
+// 0 when both ends are finite (the caller samples the interval instead).
+int unbounded_interval_point(double lo, double hi, double *point);
+
 // Values from inference (inference_values.cpp).
 int compute_dcu_value(vel_node_t *node);
 int64_t get_inferred_state(const vel_node_t *node);
