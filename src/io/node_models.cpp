@@ -1,0 +1,126 @@
+// Third stage of loading: models (model nodes, expressions, samples per
+// interval) and literal tables.
+#include <algorithm>
+#include <cmath>
+#include <limits>
+#include <string>
+#include <vector>
+
+#include "io/loader_parts.h"
+
+namespace vel::io::detail {
+
+namespace {
+
+vel_node_t *find_parent(vel_node_t *node, const std::string &name) {
+  for (vel_node_t *const *parent = vel_node_get_parents(node); parent && *parent; ++parent)
+    if (name == vel_node_get_name(*parent)) return *parent;
+  return nullptr;
+}
+
+std::vector<vel_node_t *> read_model_nodes(const Source &source, const NodeDecl &decl,
+                                           const YAML::Node &model) {
+  const Entry nodes = find(model, "nodes");
+  if (!nodes.present()) source.fail(model, "missing key 'nodes'");
+  std::vector<vel_node_t *> result;
+  if (nodes.value.IsNull()) return result;
+  require_sequence(source, nodes, "the model's 'nodes'");
+  for (const YAML::Node &item : nodes.value) {
+    if (!item.IsScalar()) source.fail(item, "a model node must be a node name");
+    const std::string &name = item.Scalar();
+    vel_node_t *node = find_parent(decl.node, name);
+    if (!node || vel_node_get_kind(node) != vel_kind_discrete)
+      source.fail(item, "model node '" + name + "' is not a discrete parent of '" + decl.name + "'");
+    if (std::find(result.begin(), result.end(), node) != result.end())
+      source.fail(item, "duplicate model node '" + name + "'");
+    result.push_back(node);
+  }
+  return result;
+}
+
+void read_expressions(const Source &source, const NodeDecl &decl, vel_model_t *model,
+                      const Entry &expressions) {
+  require_sequence(source, expressions, "'expressions'");
+  const std::size_t size = vel_model_get_size(model);
+  const std::size_t count = expressions.value.size();
+  if (count != size)
+    source.fail(expressions.key, "'expressions' of '" + decl.name + "' needs " + std::to_string(size) +
+                                     " entries, one per configuration of the model nodes; found " +
+                                     std::to_string(count));
+  for (std::size_t i = 0; i < count; ++i) {
+    const YAML::Node item = expressions.value[i];
+    if (item.IsNull()) continue;  // a missing expression, which generation reports
+    if (!item.IsScalar()) source.fail(item, "an expression must be a string or null");
+    const std::string prefix = "node " + decl.name + ", expression " + std::to_string(i) + ": ";
+    vel_expression_t *expression = vel_parse_expression(item.Scalar().c_str(), decl.node);
+    if (!expression)
+      source.fail(item, prefix + vel_error_message() + " at character " + std::to_string(vel_error_position()));
+    if (vel_model_set_expression(model, i, expression) != 0) {
+      const std::string reason = library_reason();
+      vel_expression_delete(expression);
+      source.fail(item, prefix + reason);
+    }
+  }
+}
+
+void attach_model(const Source &source, const NodeDecl &decl, const Entry &entry,
+                  std::size_t default_samples) {
+  if (vel_node_get_kind(decl.node) > 0)
+    source.fail(entry.key, "continuous node '" + decl.name + "' takes no model");
+  check_mapping(source, entry.value, {"nodes", "expressions", "samples_per_interval"}, "a model");
+  std::vector<vel_node_t *> nodes = read_model_nodes(source, decl, entry.value);
+  nodes.push_back(nullptr);
+  vel_model_t *model = vel_node_new_model(decl.node, nodes.data());
+  if (!model) source.fail(entry.key, "cannot give '" + decl.name + "' a model: " + library_reason());
+
+  const Entry samples = find(entry.value, "samples_per_interval");
+  const std::size_t count = samples.present() ? read_count(source, samples) : default_samples;
+  if (vel_model_set_samples_per_interval(model, count) != 0)
+    source.fail(samples.present() ? samples.value_mark() : entry.key.Mark(),
+                "cannot set samples_per_interval: " + library_reason());
+
+  const Entry expressions = find(entry.value, "expressions");
+  if (!is_null(expressions)) read_expressions(source, decl, model, expressions);
+}
+
+void attach_table(const Source &source, const NodeDecl &decl, const Entry &entry) {
+  const int kind = vel_node_get_kind(decl.node);
+  if (kind > 0) source.fail(entry.key, "continuous node '" + decl.name + "' takes no table");
+  if (kind < 0 && vel_node_get_category(decl.node) == vel_category_function)
+    source.fail(entry.key, "real-valued function node '" + decl.name + "' takes no table");
+  require_sequence(source, entry, "'table'");
+  vel_table_t *table = vel_node_get_table(decl.node);
+  if (!table) source.fail(entry.key, "cannot make the table of '" + decl.name + "': " + library_reason());
+  const std::size_t size = vel_table_get_size(table);
+  const std::size_t count = entry.value.size();
+  if (count != size)
+    source.fail(entry.key, "the table of '" + decl.name + "' needs " + std::to_string(size) +
+                               " entries; found " + std::to_string(count));
+  std::vector<double> entries;
+  entries.reserve(count);
+  for (const YAML::Node &item : entry.value) {
+    const double value = read_number(source, item, "a table entry");
+    // Entries are stored as floats: anything beyond float range would not fit.
+    if (!(std::fabs(value) <= std::numeric_limits<float>::max()))
+      source.fail(item, "a table entry must be a finite number in single-precision range");
+    entries.push_back(value);
+  }
+  if (vel_node_set_table_data(decl.node, entries.data(), count) != 0)
+    source.fail(entry.key, "cannot set the table of '" + decl.name + "': " + library_reason());
+}
+
+}  // namespace
+
+void attach_models_and_tables(const Source &source, const std::vector<NodeDecl> &decls,
+                              std::size_t default_samples) {
+  for (const NodeDecl &decl : decls) {
+    const Entry model = find(decl.map, "model");
+    const Entry table = find(decl.map, "table");
+    if (model.present() && table.present())
+      source.fail(table.key, "node '" + decl.name + "' has both a model and a table");
+    if (model.present()) attach_model(source, decl, model, default_samples);
+    if (table.present()) attach_table(source, decl, table);
+  }
+}
+
+}  // namespace vel::io::detail

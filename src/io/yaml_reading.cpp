@@ -1,0 +1,127 @@
+#include "io/yaml_reading.h"
+
+#include <charconv>
+#include <cmath>
+#include <limits>
+
+#include "io/model_file.h"
+#include "vel/vel.h"
+
+namespace vel::io::detail {
+
+void Source::fail(const YAML::Mark &mark, const std::string &message) const {
+  // yaml-cpp counts from 0 and gives -1 for a mark it does not know.
+  const long line = mark.line < 0 ? 1 : mark.line + 1;
+  const long column = mark.column < 0 ? 1 : mark.column + 1;
+  throw LoadError(file + ":" + std::to_string(line) + ":" + std::to_string(column) + ": " +
+                  message);
+}
+
+void Source::fail(const YAML::Node &at, const std::string &message) const {
+  fail(at.Mark(), message);
+}
+
+YAML::Mark Entry::value_mark() const {
+  return value.IsNull() ? key.Mark() : value.Mark();
+}
+
+namespace {
+
+std::string quoted(std::string_view text) { return "'" + std::string(text) + "'"; }
+
+bool is_one_of(std::string_view text, std::initializer_list<std::string_view> words) {
+  for (std::string_view word : words)
+    if (text == word) return true;
+  return false;
+}
+
+}  // namespace
+
+void check_mapping(const Source &source, const YAML::Node &map,
+                   std::initializer_list<std::string_view> allowed, std::string_view what) {
+  if (!map.IsMap()) source.fail(map, std::string(what) + " must be a mapping");
+  for (auto it = map.begin(); it != map.end(); ++it) {
+    const YAML::Node key = it->first;
+    if (!key.IsScalar()) source.fail(key, "a key must be a plain name");
+    const std::string &name = key.Scalar();
+    if (!is_one_of(name, allowed)) source.fail(key, "unknown key " + quoted(name));
+    for (auto earlier = map.begin(); earlier != it; ++earlier)
+      if (earlier->first.IsScalar() && earlier->first.Scalar() == name)
+        source.fail(key, "duplicate key " + quoted(name));
+  }
+}
+
+Entry find(const YAML::Node &map, std::string_view key) {
+  for (auto it = map.begin(); it != map.end(); ++it)
+    if (it->first.IsScalar() && it->first.Scalar() == key) return {it->first, it->second};
+  return {};
+}
+
+bool is_null(const Entry &entry) { return !entry.present() || entry.value.IsNull(); }
+
+std::string read_text(const Source &source, const Entry &entry, std::string_view what) {
+  if (!entry.value.IsScalar()) source.fail(entry.value_mark(), std::string(what) + " must be a string");
+  return entry.value.Scalar();
+}
+
+bool read_truth(const Source &source, const Entry &entry) {
+  if (entry.value.IsScalar()) {
+    const std::string &text = entry.value.Scalar();
+    if (text == "true") return true;
+    if (text == "false") return false;
+  }
+  source.fail(entry.value_mark(), quoted(entry.key.Scalar()) + " must be true or false");
+}
+
+bool parse_number(std::string_view text, double &value) {
+  std::string_view body = text;
+  bool negative = false;
+  if (!body.empty() && (body.front() == '+' || body.front() == '-')) {
+    negative = body.front() == '-';
+    body.remove_prefix(1);
+  }
+  std::string_view word = body;
+  if (!word.empty() && word.front() == '.') word.remove_prefix(1);
+  if (is_one_of(word, {"inf", "Inf", "INF", "infinity", "Infinity"})) {
+    value = negative ? -vel_infinity : vel_infinity;
+    return true;
+  }
+  if (is_one_of(word, {"nan", "NaN", "NAN"})) {
+    value = std::numeric_limits<double>::quiet_NaN();
+    return true;
+  }
+  // from_chars takes no leading '+' and would take "inf"/"nan" itself, both
+  // handled above; what remains must be plain decimal text in range.
+  if (body.empty() || !(std::isdigit(static_cast<unsigned char>(body.front())) || body.front() == '.'))
+    return false;
+  double magnitude = 0.0;
+  const auto [end, error] = std::from_chars(body.data(), body.data() + body.size(), magnitude);
+  if (error != std::errc() || end != body.data() + body.size()) return false;
+  value = negative ? -magnitude : magnitude;
+  return true;
+}
+
+double read_number(const Source &source, const YAML::Node &at, std::string_view what) {
+  double value = 0.0;
+  if (!at.IsScalar() || !parse_number(at.Scalar(), value))
+    source.fail(at, std::string(what) + " must be a number");
+  return value;
+}
+
+std::size_t read_count(const Source &source, const Entry &entry) {
+  const std::string message = "samples_per_interval must be an integer of at least 1";
+  if (!entry.value.IsScalar()) source.fail(entry.value_mark(), message);
+  const std::string &text = entry.value.Scalar();
+  unsigned long long count = 0;
+  const auto [end, error] = std::from_chars(text.data(), text.data() + text.size(), count);
+  if (error != std::errc() || end != text.data() + text.size() || count < 1 ||
+      count > std::numeric_limits<std::size_t>::max())
+    source.fail(entry.value_mark(), message);
+  return static_cast<std::size_t>(count);
+}
+
+void require_sequence(const Source &source, const Entry &entry, std::string_view what) {
+  if (!entry.value.IsSequence()) source.fail(entry.value_mark(), std::string(what) + " must be a list");
+}
+
+}  // namespace vel::io::detail

@@ -1,0 +1,30 @@
+// The program's commands; each returns the exit status (0 done, 1 the
+// library reported a failure, 2 usage error or a file that cannot be loaded).
+#pragma once
+
+#include <string>
+#include <vector>
+
+namespace vel::cli {
+
+struct GenerateOptions {
+  std::string file;
+  std::vector<std::string> nodes;
+  std::string format = "text";
+  std::string log;  // a path, "-" for standard error, "" for the default view
+  bool no_log = false;
+  bool stats = false;
+};
+
+struct EvaluateOptions {
+  std::string file;
+  std::string node;
+  std::string mode = "inference";
+  std::string format = "text";
+};
+
+int run_generate(const GenerateOptions &options);
+int run_check(const std::string &file);
+int run_evaluate(const EvaluateOptions &options);
+
+}  // namespace vel::cli
