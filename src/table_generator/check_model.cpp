@@ -1,0 +1,87 @@
+// The checks that precede generation, shared by the driver (which logs each
+// problem) and vel_node_check_model (which reports each through a callback).
+#include "common/error.h"
+#include "table_generator/table_generator.h"
+
+int scan_model_expressions(vel_node_t *node, const vel_model_t *model,
+                           expression_problem_t problem, void *context) {
+  bool any_bad = false;
+  for (uint64_t i = 0; i < model->expression_count; ++i) {
+    vel_expression_t *expression = model->expressions[i];
+    int kind = 0;
+    if (expression == nullptr) {
+      kind = vel_check_missing_expression;
+    } else if (node_check_expression(node, expression) == 0) {
+      kind = vel_check_invalid_expression;
+    }
+    if (kind == 0) continue;
+    any_bad = true;
+    if (int code = problem(context, kind, i)) return code;
+  }
+  return any_bad ? vel::fail(vel_error_invalid_expression) : 0;
+}
+
+namespace {
+
+struct Reporter {
+  vel_check_report_t report;
+  void *context;
+  vel_node_t *node;
+};
+
+int report_expression(void *context, int kind, uint64_t index) {
+  auto *reporter = static_cast<Reporter *>(context);
+  if (reporter->report) reporter->report(reporter->context, kind, reporter->node, index);
+  return 0;
+}
+
+// Reports a bad verdict on the node's state values; true when there was one.
+bool report_state_values(const Reporter &reporter, vel_node_t *node) {
+  int verdict = state_values_verdict(node);
+  if (verdict == 0) return false;
+  if (reporter.report) {
+    reporter.report(reporter.context, vel_check_state_values, node,
+                    static_cast<size_t>(verdict));
+  }
+  return true;
+}
+
+// Number of model-node configurations, for a model without expressions.
+uint64_t configuration_count(const vel_model_t *model) {
+  uint64_t count = 1;
+  if (model->nodes != nullptr) {
+    for (vel_node_t *const *n = model->nodes; *n != nullptr; ++n) {
+      count = size_multiply(count, (*n)->state_count);
+    }
+  }
+  return count;
+}
+
+}  // namespace
+
+// Every problem is reported; the result is the code generation would stop
+// with: an unspecified model first, then state values, then expressions.
+extern "C" int vel_node_check_model(vel_node_t *node, vel_check_report_t report,
+                                    void *context) {
+  if (node == nullptr || node->model == nullptr) return vel::fail(vel_error_usage);
+  vel_model_t *model = node->model;
+  Reporter reporter{report, context, node};
+
+  bool bad_values = report_state_values(reporter, node);
+  if (node->parents != nullptr) {
+    for (vel_node_t **p = node->parents; *p != nullptr; ++p) {
+      if (report_state_values(reporter, *p)) bad_values = true;
+    }
+  }
+
+  if (model->expressions == nullptr) {
+    uint64_t count = configuration_count(model);
+    for (uint64_t i = 0; i < count && report != nullptr; ++i) {
+      report(context, vel_check_missing_expression, node, i);
+    }
+    return vel::fail(vel_error_invalid_expression);
+  }
+  int expressions = scan_model_expressions(node, model, report_expression, &reporter);
+  if (bad_values) return vel::fail(vel_error_invalid_state_values);
+  return vel::fail(expressions);
+}

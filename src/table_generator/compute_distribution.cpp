@@ -1,0 +1,305 @@
+// One row of state probabilities for one configuration of a node's parents:
+// sampling of interval parents, deterministic values, the dispatch on the
+// distribution operator, and the non-parametric distributions.
+#include <cfloat>
+#include <cstdio>
+
+#include "common/error.h"
+#include "host/host.h"
+#include "table_generator/table_generator.h"
+
+int unbounded_interval_point(double lo, double hi, double *point) {
+  bool lo_infinite = lo <= -DBL_MAX;
+  bool hi_infinite = hi >= DBL_MAX;
+  if (!lo_infinite && !hi_infinite) return 0;
+  // The factors move the point 0.1 % from the finite end into the interval.
+  if (lo_infinite && hi_infinite) {
+    *point = 0.0;
+  } else if (hi_infinite) {
+    *point = lo == 0.0 ? 1.0 : lo < 0.0 ? lo * 0.999 : lo * 1.001;
+  } else {
+    *point = hi == 0.0 ? -1.0 : hi < 0.0 ? hi * 1.001 : hi * 0.999;
+  }
+  return 1;
+}
+
+namespace {
+
+// The same row in rows 0, 1 and 2 of the block.
+void copy_to_bounds(double *result, uint64_t n) {
+  for (uint64_t i = 0; i < n; ++i) result[n + i] = result[2 * n + i] = result[i];
+}
+
+int place_state(double *result, uint64_t n, uint64_t state) {
+  for (uint64_t i = 0; i < n; ++i) result[i] = i == state ? 1.0 : 0.0;
+  copy_to_bounds(result, n);
+  return 0;
+}
+
+// The fault's code, or vel_error_io when its message could not be written.
+int logged(int written, int code) { return vel::fail(written < 0 ? vel_error_io : code); }
+
+FILE *log_of(const vel_node_t *node) { return node->domain->log_file; }
+
+int fail_unsupported_truncation(const vel_node_t *node, uint32_t op) {
+  FILE *log = log_of(node);
+  if (log == nullptr) return vel::fail(vel_error_invalid_expression);
+  return logged(fprintf(log, "Truncation is not supported for the %s distribution\n",
+                        operator_names[op - vel_op_Normal]),
+                vel_error_invalid_expression);
+}
+
+int place_label(vel_node_t *node, double *result, uint64_t n, const char *label) {
+  int64_t state = _vel_node_get_state_index(node, label);
+  if (state >= 0) return place_state(result, n, static_cast<uint64_t>(state));
+  FILE *log = log_of(node);
+  if (log == nullptr) return vel::fail(vel_error_invalid_expression);
+  const char *name = vel_node_get_name(node);
+  if (name == nullptr) return _vel_error_code;
+  return logged(fprintf(log, "Node %s does not have a (unique) state labeled `%s'\n", name, label),
+                vel_error_invalid_expression);
+}
+
+int place_value(vel_node_t *node, double *result, uint64_t n, double value) {
+  int64_t state = _vel_node_state_value_to_state_index(node, value);
+  if (state >= 0) return place_state(result, n, static_cast<uint64_t>(state));
+  FILE *log = log_of(node);
+  if (log == nullptr) return vel::fail(vel_error_invalid_expression);
+  const char *name = vel_node_get_name(node);
+  if (name == nullptr) return _vel_error_code;
+  const char *format = node->subtype == vel_subtype_numbered
+                           ? "Node %s does not have a state with value %g\n"
+                           : "Value for node %s is out of bounds: %g\n";
+  return logged(fprintf(log, format, name, value), vel_error_invalid_expression);
+}
+
+int explicit_distribution(const vel_expression_t *distribution, vel_node_t *node,
+                          double *result, uint64_t n, int truncated) {
+  if (truncated) return fail_unsupported_truncation(node, vel_op_Distribution);
+  FILE *log = log_of(node);
+  if (_vel_expr_list_length(distribution->arguments) != n) {
+    if (log == nullptr) return vel::fail(vel_error_invalid_expression);
+    return logged(fputs("The number of arguments of a Distribution expression must match the "
+                        "number of states\n", log),
+                  vel_error_invalid_expression);
+  }
+  double sum = 0.0;
+  for (uint64_t i = 0; i < n; ++i) {
+    if (eval_numeric_expr(distribution->arguments[i], &result[i]) != 0) return _vel_error_code;
+    if (result[i] < 0.0) {
+      if (log == nullptr) return vel::fail(vel_error_invalid_argument);
+      return logged(fprintf(log, "Negative value in Distribution expression (state %s)\n",
+                            _vel_print_size(node->domain, i)),
+                    vel_error_invalid_argument);
+    }
+    sum += result[i];
+  }
+  if (sum == 0.0) {
+    if (log == nullptr) return vel::fail(vel_error_invalid_argument);
+    return logged(fputs("At least one argument of a Distribution expression must be positive\n",
+                        log),
+                  vel_error_invalid_argument);
+  }
+  for (uint64_t i = 0; i < n; ++i) result[i] /= sum;
+  copy_to_bounds(result, n);
+  return 0;
+}
+
+// q_i is the probability that a present cause fails to produce the effect.
+int noisy_or(const vel_expression_t *distribution, vel_node_t *node, double *result,
+             uint64_t n, int truncated) {
+  if (truncated) return fail_unsupported_truncation(node, vel_op_NoisyOR);
+  if (node->subtype != vel_subtype_boolean) {
+    FILE *log = log_of(node);
+    if (log == nullptr) return vel::fail(vel_error_invalid_expression);
+    return logged(fputs("A NoisyOR distribution can only be applied to boolean nodes\n", log),
+                  vel_error_invalid_expression);
+  }
+  double p = 1.0;
+  for (vel_expression_t **pair = distribution->arguments; pair[0] != nullptr; pair += 2) {
+    int condition = eval_boolean_expr(pair[0]);
+    if (condition < 0) return _vel_error_code;
+    double q;
+    if (eval_numeric_expr(pair[1], &q) != 0) return _vel_error_code;
+    if (q < 0.0 || q > 1.0) return vel::fail(vel_error_invalid_argument);
+    if (condition) p *= q;
+  }
+  result[0] = p;
+  result[1] = 1.0 - p;
+  copy_to_bounds(result, n);
+  return 0;
+}
+
+int uniform_over_states(vel_node_t *node, double *result, uint64_t n, int truncated) {
+  if (truncated) return fail_unsupported_truncation(node, vel_op_Uniform);
+  for (uint64_t i = 0; i < n; ++i) result[i] = 1.0 / static_cast<double>(n);
+  copy_to_bounds(result, n);
+  return vel::fail(vel_error_none);
+}
+
+int fail_aggregate_node(const vel_node_t *node, const vel_node_t *named, const char *format) {
+  FILE *log = log_of(node);
+  if (log == nullptr) return vel::fail(vel_error_invalid_expression);
+  const char *name = vel_node_get_name(named);
+  if (name == nullptr) return _vel_error_code;
+  return logged(fprintf(log, format, name), vel_error_invalid_expression);
+}
+
+// The count and item nodes' beliefs must come from a sum propagation.
+int check_propagated(const vel_node_t *node) {
+  const vel_junction_tree_t *jt = node->junction_tree;
+  if (jt == nullptr || jt->equilibrium == vel_equilibrium_none) {
+    return vel::fail(vel_error_not_propagated);
+  }
+  if (jt->equilibrium == vel_equilibrium_sum &&
+      (jt->evidence_mode == vel_evidence_mode_normal || jt->evidence_pending == 0)) {
+    return 0;
+  }
+  return vel::fail(vel_error_computation);
+}
+
+int aggregate(const vel_expression_t *distribution, vel_node_t *node, double *result,
+              uint64_t n, int truncated) {
+  if (truncated) return fail_unsupported_truncation(node, vel_op_aggregate);
+  if (node->category != vel_category_function || node->subtype != vel_subtype_interval) {
+    FILE *log = log_of(node);
+    if (log == nullptr) return vel::fail(vel_error_invalid_expression);
+    return logged(fputs("Aggregate distributions are only valid for interval discrete "
+                        "function nodes\n", log),
+                  vel_error_invalid_expression);
+  }
+  const vel_node_t *count = distribution->arguments[0]->node;
+  const vel_node_t *item = distribution->arguments[1]->node;
+  if (count->subtype != vel_subtype_numbered) {
+    return fail_aggregate_node(node, count, "Aggregate distribution: `%s' must be a numbered node.\n");
+  }
+  if (item->subtype != vel_subtype_interval) {
+    return fail_aggregate_node(node, item, "Aggregate distribution: `%s' must be an interval node.\n");
+  }
+  if (!_vel_is_wellformed_interval_node(node) || !_vel_is_wellformed_interval_node(item) ||
+      !_vel_is_wellformed_numbered_node(count)) {
+    return vel::fail(vel_error_invalid_state_values);
+  }
+  if (node->domain->is_compiled == 0) return vel::fail(vel_error_not_compiled);
+  if (int code = check_propagated(count)) return code;
+  if (int code = check_propagated(item)) return code;
+  if (count->belief_table == nullptr) return vel::fail(vel_error_computation);
+  if (_vel_aggregate(node, count->belief_table->data, count->state_count, item, result) != 0) {
+    return _vel_error_code;
+  }
+  copy_to_bounds(result, n);
+  return 0;
+}
+
+int dispatch(const vel_expression_t *distribution, vel_node_t *node, double *result,
+             uint64_t n, double lower, double upper) {
+  int truncated = lower > -DBL_MAX || upper < DBL_MAX;
+  uint32_t op = distribution->operator_;
+  if (op == vel_op_Uniform && node->subtype != vel_subtype_interval) {
+    if (node->subtype == vel_subtype_numbered) return uniform_over_states(node, result, n, truncated);
+    return vel::fail(vel_error_invalid_expression);
+  }
+  if (op >= vel_op_Normal && op <= vel_op_PERT) {
+    return continuous_distribution(distribution, node, result, n, lower, upper, truncated);
+  }
+  if (op >= vel_op_Binomial && op <= vel_op_Geometric) {
+    return discrete_distribution(distribution, node, result, n, truncated);
+  }
+  switch (op) {
+    case vel_op_Distribution: return explicit_distribution(distribution, node, result, n, truncated);
+    case vel_op_NoisyOR: return noisy_or(distribution, node, result, n, truncated);
+    case vel_op_aggregate: return aggregate(distribution, node, result, n, truncated);
+    default: return vel::fail(vel_error_unsupported);
+  }
+}
+
+// Evaluates the expression for the node itself and turns the outcome into a row.
+int distribution_of_node(const vel_expression_t *expression, vel_node_t *node, double *result,
+                         uint64_t n) {
+  double lower = -DBL_MAX;
+  double upper = DBL_MAX;
+  const vel_expression_t *distribution = nullptr;
+  switch (node->subtype) {
+    case vel_subtype_labeled: {
+      const char *label = nullptr;
+      if (int code = eval_distribution_or_label_expr(expression, &label, &distribution, &lower,
+                                                     &upper)) {
+        return code;
+      }
+      if (distribution == nullptr) return place_label(node, result, n, label);
+      break;
+    }
+    case vel_subtype_boolean: {
+      int truth = 0;
+      if (int code = eval_distribution_or_boolean_expr(expression, &truth, &distribution, &lower,
+                                                       &upper)) {
+        return code;
+      }
+      if (distribution == nullptr) return place_state(result, n, truth ? 1 : 0);
+      break;
+    }
+    case vel_subtype_numbered:
+    case vel_subtype_interval: {
+      double value = 0.0;
+      if (int code = eval_distribution_or_numeric_expr(expression, &value, &distribution, &lower,
+                                                       &upper)) {
+        return code;
+      }
+      if (distribution == nullptr) return place_value(node, result, n, value);
+      break;
+    }
+    default:
+      return vel::fail(vel_error_unsupported);
+  }
+  return dispatch(distribution, node, result, n, lower, upper);
+}
+
+// Mean over `samples` midpoints of the parent's bounded interval, with the
+// entry-wise minimum and maximum; each later sample uses the next three rows.
+int sample_interval_parent(const vel_expression_t *expression, vel_node_t **nodes,
+                           double *result, uint64_t n, uint64_t samples, double lo, double hi) {
+  vel_node_t *parent = nodes[0];
+  double width = (hi - lo) / static_cast<double>(samples);
+  parent->value = lo + 0.5 * width;
+  if (int code = compute_distribution(expression, nodes + 1, result, n, samples)) return code;
+  if (width == 0.0) return 0;
+  double *mean = result, *low = result + n, *high = result + 2 * n;
+  double *scratch = result + 3 * n;
+  for (uint64_t k = 1; k < samples; ++k) {
+    parent->value = lo + (static_cast<double>(k) + 0.5) * width;
+    if (int code = compute_distribution(expression, nodes + 1, scratch, n, samples)) return code;
+    for (uint64_t j = 0; j < n; ++j) {
+      mean[j] += scratch[j];
+      if (scratch[n + j] < low[j]) low[j] = scratch[n + j];
+      if (high[j] < scratch[2 * n + j]) high[j] = scratch[2 * n + j];
+    }
+  }
+  for (uint64_t j = 0; j < n; ++j) mean[j] /= static_cast<double>(samples);
+  return 0;
+}
+
+}  // namespace
+
+int compute_distribution(const vel_expression_t *expression, vel_node_t **nodes,
+                         double *result, uint64_t n, uint64_t samples) {
+  vel_node_t *parent = nodes[0];
+  if (nodes[1] == nullptr) return distribution_of_node(expression, parent, result, n);
+  switch (parent->subtype) {
+    case vel_subtype_numbered:
+      parent->value = parent->state_values[parent->state_index];
+      break;
+    case vel_subtype_interval: {
+      double lo = parent->state_values[parent->state_index];
+      double hi = parent->state_values[parent->state_index + 1];
+      double point;
+      if (!unbounded_interval_point(lo, hi, &point)) {
+        return sample_interval_parent(expression, nodes, result, n, samples, lo, hi);
+      }
+      parent->value = point;
+      break;
+    }
+    default:
+      break;
+  }
+  return compute_distribution(expression, nodes + 1, result, n, samples);
+}

@@ -1,0 +1,68 @@
+// Conditional probability and policy tables: one row per configuration of the
+// parents, from compute_distribution, written in storage order.
+#include <cstdio>
+
+#include "common/error.h"
+#include "host/host.h"
+#include "table_generator/table_generator.h"
+
+namespace {
+
+// "(i0,i1,...,state): P (min=L, max=U)\n".  A failed "(" is remembered and
+// the line goes on; any later failed piece ends it with vel_error_io.
+int write_row_diagnostic(const vel_table_t *table, vel_node_t **nodes, uint64_t state,
+                         double p, double low, double high) {
+  vel_domain_t *domain = table->domain;
+  FILE *log = domain->log_file;
+  if (log == nullptr) return 0;
+  if (fputs("(", log) < 0) vel::fail(vel_error_io);
+  for (vel_node_t **n = nodes; n[1] != nullptr; ++n) {
+    const char *index = _vel_print_size(domain, static_cast<uint64_t>((*n)->state_index));
+    if (fprintf(log, "%s,", index) < 0) return vel::fail(vel_error_io);
+  }
+  if (fprintf(log, "%s): ", _vel_print_size(domain, state)) < 0) return vel::fail(vel_error_io);
+  if (fprintf(log, "%g (min=%g, max=%g)\n", p, low, high) < 0) return vel::fail(vel_error_io);
+  return 0;
+}
+
+int write_row(vel_table_t *table, const double *work, float **data, uint64_t n) {
+  const double *p = work;
+  const double *low = work + n;
+  const double *high = work + 2 * n;
+  for (uint64_t i = 0; i < n; ++i) *(*data)++ = static_cast<float>(p[i]);
+  for (uint64_t i = 0; i < n; ++i) {
+    if (!(high[i] > low[i] || low[i] < 0.0)) continue;
+    if (int code = write_row_diagnostic(table, table->nodes, i, p[i], low[i], high[i])) {
+      return code;
+    }
+    if (low[i] < 0.0) return vel::fail(vel_error_negative_entry);
+  }
+  return 0;
+}
+
+}  // namespace
+
+int generate_probability(vel_table_t *table, double *work, float **data,
+                         vel_expression_t **expressions, vel_node_t **nodes,
+                         const vel_control_t *control) {
+  vel_node_t *node = nodes[0];
+  if (nodes[1] == nullptr) {
+    uint64_t n = control->state_count;
+    uint64_t samples = table->node->model->samples_per_interval;
+    if (compute_distribution(*expressions, table->nodes, work, n, samples) != 0) {
+      return _vel_error_code;
+    }
+    return write_row(table, work, data, n);
+  }
+  for (uint64_t s = 0; s < control->state_count; ++s) {
+    node->state_index = static_cast<int64_t>(s);
+    if (generate_probability(table, work, data, expressions, nodes + 1, control + 1) != 0) {
+      node->state_index = -1;
+      return _vel_error_code;
+    }
+    // The cursor stays inside the expression array: no move after the last state.
+    if (s + 1 < control->state_count) expressions += control->stride;
+  }
+  node->state_index = -1;
+  return 0;
+}

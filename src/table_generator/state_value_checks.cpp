@@ -1,0 +1,30 @@
+// State values of numbered and interval nodes: the host judges them, the
+// generator turns a bad verdict into a log line and vel_error_invalid_state_values.
+#include <cstdio>
+
+#include "common/error.h"
+#include "host/host.h"
+#include "table_generator/table_generator.h"
+
+int state_values_verdict(const vel_node_t *node) {
+  if (node->kind != vel_kind_discrete ||
+      (node->subtype != vel_subtype_numbered && node->subtype != vel_subtype_interval)) {
+    return 0;
+  }
+  return _vel_node_check_status_of_state_values(node);
+}
+
+extern "C" int _vel_check_state_values(vel_node_t *node) {
+  int verdict = state_values_verdict(node);
+  if (verdict == 0) return 0;
+  FILE *log = node->domain->log_file;
+  if (log == nullptr) return vel::fail(vel_error_invalid_state_values);
+  const char *word = verdict == 1 ? "do not form an increasing sequence"
+                                  : "use infinite values incorrectly";
+  const char *name = vel_node_get_name(node);
+  if (name == nullptr) return _vel_error_code;
+  if (fprintf(log, "The state values of node %s %s.\n", name, word) < 0) {
+    return vel::fail(vel_error_io);
+  }
+  return vel::fail(vel_error_invalid_state_values);
+}
