@@ -111,6 +111,7 @@ struct vel_node_s {
   uint64_t parent_count;
   uint64_t child_count;
   uint64_t index;                  // position in the domain's node list
+  double propagated_variance;      // continuous: variance after propagation
 };
 
 // Operand of an expression, chosen by its operator code.

@@ -1,0 +1,200 @@
+// Constructors and destructor of expression trees.  The builder refuses every
+// shape the evaluators would not survive: wrong arities, non-references where
+// a node reference is required, shared subtrees and trees deeper than 1000.
+#include <cmath>
+#include <cstring>
+#include <string>
+
+#include "host/api_guard_internal.h"
+#include "host/expression_internal.h"
+#include "host/operators.h"
+#include "host/storage_internal.h"
+
+using vel::host::guarded;
+using vel::host::OperatorInfo;
+using vel::host::usage;
+
+namespace {
+
+vel_expression_t *new_leaf(uint32_t code, uint32_t type) {
+  auto *expression = new vel_expression_s{};
+  expression->operator_ = code;
+  expression->type = type;
+  expression->depth = 1;
+  return expression;
+}
+
+bool contains_node_reference(const vel_expression_t *expression) {
+  if (expression->operator_ == vel_op_node) return true;
+  if (expression->operator_ >= vel_op_number) return false;
+  for (vel_expression_t *const *argument = expression->arguments; *argument; ++argument)
+    if (contains_node_reference(*argument)) return true;
+  return false;
+}
+
+std::string operator_text(const OperatorInfo &info) {
+  return info.is_call ? std::string(info.name) : std::string("operator ") + info.name;
+}
+
+// Why the argument list does not suit the operator; empty when it does.
+std::string argument_error(const OperatorInfo &info, vel_expression_t *const *arguments,
+                           int count) {
+  if (!vel::host::arity_fits(info, count)) {
+    const char *allowed = vel::host::arity_text(info);
+    bool singular = std::strcmp(allowed, "1") == 0;
+    return operator_text(info) + " takes " + allowed + (singular ? " argument" : " arguments") +
+           ", got " + std::to_string(count);
+  }
+  for (int i = 0; i < count; ++i) {
+    const vel_expression_t *argument = arguments[i];
+    if (argument->owner)
+      return "argument " + std::to_string(i + 1) + " of " + operator_text(info) +
+             " already belongs to another expression or model";
+    for (int j = 0; j < i; ++j)
+      if (arguments[j] == argument)
+        return "argument " + std::to_string(i + 1) + " of " + operator_text(info) +
+               " repeats argument " + std::to_string(j + 1);
+    if (i < 32 && (info.node_arguments >> i & 1u) && argument->operator_ != vel_op_node)
+      return "argument " + std::to_string(i + 1) + " of " + operator_text(info) +
+             " must be a node reference";
+    if (argument->depth >= vel::host::max_expression_depth)
+      return "the expression would be nested deeper than " +
+             std::to_string(vel::host::max_expression_depth) + " levels";
+  }
+  if (info.needs_node && !contains_node_reference(arguments[0]))
+    return "the argument of " + operator_text(info) + " must refer to a node";
+  return {};
+}
+
+}  // namespace
+
+namespace vel::host {
+
+void delete_tree(vel_expression_t *expression) noexcept {
+  if (!expression) return;
+  if (expression->operator_ == vel_op_label) {
+    delete[] expression->label;
+  } else if (expression->operator_ < vel_op_number) {
+    for (vel_expression_t **argument = expression->arguments; argument && *argument; ++argument)
+      delete_tree(*argument);
+    delete[] expression->arguments;
+  }
+  delete expression;
+}
+
+}  // namespace vel::host
+
+extern "C" {
+
+vel_expression_t *vel_make_number(double value) {
+  if (!std::isfinite(value)) {
+    usage("vel_make_number: the number must be finite");
+    return nullptr;
+  }
+  return guarded<vel_expression_t *>(nullptr, [&] {
+    vel_expression_t *expression = new_leaf(vel_op_number, vel_type_number);
+    expression->number = value;
+    _vel_error_code = 0;
+    return expression;
+  });
+}
+
+vel_expression_t *vel_make_label(const char *label) {
+  if (!label) {
+    usage("vel_make_label: label is NULL");
+    return nullptr;
+  }
+  return guarded<vel_expression_t *>(nullptr, [&] {
+    size_t length = std::strlen(label);
+    auto text = std::make_unique<char[]>(length + 1);
+    std::memcpy(text.get(), label, length + 1);
+    vel_expression_t *expression = new_leaf(vel_op_label, vel_type_label);
+    expression->label = text.release();
+    _vel_error_code = 0;
+    return expression;
+  });
+}
+
+vel_expression_t *vel_make_truth(int truth) {
+  return guarded<vel_expression_t *>(nullptr, [&] {
+    vel_expression_t *expression = new_leaf(vel_op_truth, vel_type_boolean);
+    expression->truth = truth ? 1 : 0;
+    _vel_error_code = 0;
+    return expression;
+  });
+}
+
+// The reference does not keep the node alive: deleting the node's domain
+// while the expression lives leaves it pointing at freed memory.
+vel_expression_t *vel_make_node_reference(vel_node_t *node) {
+  if (!node) {
+    usage("vel_make_node_reference: node is NULL");
+    return nullptr;
+  }
+  return guarded<vel_expression_t *>(nullptr, [&] {
+    uint32_t type = vel::host::is_discrete(node) ? vel_type_any : vel_type_number;
+    vel_expression_t *expression = new_leaf(vel_op_node, type);
+    expression->node = node;
+    _vel_error_code = 0;
+    return expression;
+  });
+}
+
+vel_expression_t *vel_make_operator(int code, vel_expression_t *const *arguments) {
+  return guarded<vel_expression_t *>(nullptr, [&]() -> vel_expression_t * {
+    const OperatorInfo *info = vel::host::find_operator(code);
+    if (!info || code >= vel_op_number) {
+      usage("vel_make_operator: " + std::to_string(code) + " is not an operator code (60..113)");
+      return nullptr;
+    }
+    int count = 0;
+    while (arguments && arguments[count]) ++count;
+    std::string error = argument_error(*info, arguments, count);
+    if (!error.empty()) {
+      usage(error);
+      return nullptr;
+    }
+    auto list = std::make_unique<vel_expression_t *[]>(count + 1);
+    uint32_t depth = 0;
+    for (int i = 0; i < count; ++i) {
+      list[i] = arguments[i];
+      if (arguments[i]->depth > depth) depth = arguments[i]->depth;
+    }
+    list[count] = nullptr;
+    vel_expression_t *expression = new_leaf(static_cast<uint32_t>(code), info->result_type);
+    expression->depth = depth + 1;
+    expression->argument_count = static_cast<uint32_t>(count);
+    expression->arguments = list.release();
+    for (int i = 0; i < count; ++i) expression->arguments[i]->owner = expression;
+    _vel_error_code = 0;
+    return expression;
+  });
+}
+
+int vel_expression_delete(vel_expression_t *expression) {
+  if (!expression) return usage("vel_expression_delete: expression is NULL");
+  if (expression->owner)
+    return usage("vel_expression_delete: the expression belongs to another expression or model");
+  vel::host::delete_tree(expression);
+  return _vel_error_code = 0;
+}
+
+int vel_expression_get_operator(const vel_expression_t *expression) {
+  if (!expression) {
+    usage("vel_expression_get_operator: expression is NULL");
+    return 0;
+  }
+  _vel_error_code = 0;
+  return static_cast<int>(expression->operator_);
+}
+
+int vel_expression_get_type(const vel_expression_t *expression) {
+  if (!expression) {
+    usage("vel_expression_get_type: expression is NULL");
+    return 0;
+  }
+  _vel_error_code = 0;
+  return static_cast<int>(expression->type);
+}
+
+}  // extern "C"

@@ -1,0 +1,185 @@
+// Results of inference and configured values, set from outside until the
+// library propagates on its own.  Every change invalidates the cached
+// function-node values that were computed from the old results.
+#include <cfloat>
+#include <cmath>
+#include <string>
+
+#include "host/api_guard_internal.h"
+#include "host/host.h"
+#include "host/storage_internal.h"
+#include "table_generator/table_generator.h"
+
+using vel::host::guarded;
+using vel::host::usage;
+
+namespace {
+
+// Sets a usage error naming the node; always returns vel_error_usage.
+int refuse(const vel_node_t *node, const char *what) {
+  return guarded<int>(vel_error_out_of_memory,
+                      [&] { return usage(std::string("node ") + node->name + " " + what); });
+}
+
+bool fits_float(double x) { return std::fabs(x) <= FLT_MAX; }
+
+bool is_utility(const vel_node_t *node) { return node->category == vel_category_utility; }
+
+}  // namespace
+
+extern "C" {
+
+int vel_node_set_beliefs(vel_node_t *node, const double *beliefs, size_t count) {
+  if (!node) return usage("vel_node_set_beliefs: node is NULL");
+  if (!vel::host::is_discrete(node)) return refuse(node, "has no states");
+  if (count != node->state_count) return refuse(node, "needs one belief per state");
+  if (count > 0 && !beliefs) return usage("vel_node_set_beliefs: beliefs is NULL");
+  for (size_t i = 0; i < count; ++i)
+    if (!(beliefs[i] >= 0.0 && beliefs[i] <= FLT_MAX))
+      return refuse(node, "takes finite, non-negative beliefs only");
+  float *data = node->belief_table->data;
+  for (size_t i = 0; i < count; ++i) data[i] = static_cast<float>(beliefs[i]);
+  _vel_invalidate_function_children(node, vel_mode_inference);
+  return _vel_error_code = 0;
+}
+
+double vel_node_get_belief(const vel_node_t *node, size_t state) {
+  if (!node) {
+    usage("vel_node_get_belief: node is NULL");
+    return -1.0;
+  }
+  if (!vel::host::is_discrete(node) || state >= node->state_count) {
+    refuse(node, "has no such state");
+    return -1.0;
+  }
+  _vel_error_code = 0;
+  return node->belief_table->data[state];
+}
+
+int vel_node_set_evidence(vel_node_t *node, int64_t state) {
+  if (!node) return usage("vel_node_set_evidence: node is NULL");
+  if (!vel::host::is_discrete(node)) return refuse(node, "has no states");
+  if (state < -1 || state >= static_cast<int64_t>(node->state_count))
+    return refuse(node, "has no such state");
+  node->evidence.state = state;
+  _vel_invalidate_function_children(node, vel_mode_inference);
+  return _vel_error_code = 0;
+}
+
+int vel_node_set_mean_and_variance(vel_node_t *node, double mean, double variance) {
+  if (!node) return usage("vel_node_set_mean_and_variance: node is NULL");
+  if (node->kind <= 0) return refuse(node, "is not continuous");
+  if (!std::isfinite(mean) || !(variance >= 0.0) || !std::isfinite(variance))
+    return refuse(node, "takes a finite mean and a finite, non-negative variance");
+  node->mean = mean;
+  node->propagated_variance = variance;
+  _vel_invalidate_function_children(node, vel_mode_inference);
+  return _vel_error_code = 0;
+}
+
+double vel_node_get_mean(const vel_node_t *node) {
+  if (!node) {
+    usage("vel_node_get_mean: node is NULL");
+    return -1.0;
+  }
+  if (node->kind <= 0) {
+    refuse(node, "is not continuous");
+    return -1.0;
+  }
+  _vel_error_code = 0;
+  return node->mean;
+}
+
+int vel_node_set_expected_utility(vel_node_t *node, double expected_utility, double variance) {
+  if (!node) return usage("vel_node_set_expected_utility: node is NULL");
+  if (!is_utility(node)) return refuse(node, "is not a utility node");
+  if (!fits_float(expected_utility) || !(variance >= 0.0) || !fits_float(variance))
+    return refuse(node, "takes single-precision expected utilities and variances");
+  node->expected_utility = expected_utility;
+  node->utility_variance = variance;
+  _vel_invalidate_function_children(node, vel_mode_inference);
+  return _vel_error_code = 0;
+}
+
+float vel_node_get_expected_utility(const vel_node_t *node, int) {
+  if (!node) {
+    usage("vel_node_get_expected_utility: node is NULL");
+    return -1.0f;
+  }
+  if (!is_utility(node)) {
+    refuse(node, "is not a utility node");
+    return -1.0f;
+  }
+  _vel_error_code = 0;
+  return static_cast<float>(node->expected_utility);
+}
+
+float vel_node_get_variance_of_utility(const vel_node_t *node) {
+  if (!node) {
+    usage("vel_node_get_variance_of_utility: node is NULL");
+    return -1.0f;
+  }
+  if (!is_utility(node)) {
+    refuse(node, "is not a utility node");
+    return -1.0f;
+  }
+  _vel_error_code = 0;
+  return static_cast<float>(node->utility_variance);
+}
+
+int vel_node_set_configured_state(vel_node_t *node, int64_t state) {
+  if (!node) return usage("vel_node_set_configured_state: node is NULL");
+  if (!vel::host::is_discrete(node)) return refuse(node, "has no states");
+  if (state < -1 || state >= static_cast<int64_t>(node->state_count))
+    return refuse(node, "has no such state");
+  node->configured_state = state;
+  _vel_invalidate_function_children(node, vel_mode_configured);
+  return _vel_error_code = 0;
+}
+
+// A real-valued function node's configured value is its mode-1 cache, which
+// only its model may set.
+int vel_node_set_configured_value(vel_node_t *node, double value) {
+  if (!node) return usage("vel_node_set_configured_value: node is NULL");
+  if (vel::host::is_discrete(node)) return refuse(node, "takes a configured state, not a value");
+  if (vel::host::is_real_function(node)) return refuse(node, "gets its value from its model");
+  if (node->kind > 0)
+    node->evidence.value = value;
+  else
+    node->configured_value = value;
+  _vel_invalidate_function_children(node, vel_mode_configured);
+  return _vel_error_code = 0;
+}
+
+// Continuous nodes: the propagated variance.  Numbered nodes: the variance
+// of the state values under the normalised beliefs.
+double _vel_node_get_variance(const vel_node_t *node, int) {
+  if (!node) {
+    vel::fail(vel_error_usage);
+    return -1.0;
+  }
+  if (node->kind > 0) return node->propagated_variance;
+  if (!vel::host::is_discrete(node) || node->subtype != vel_subtype_numbered) {
+    vel::fail(vel_error_usage);
+    return -1.0;
+  }
+  const float *beliefs = node->belief_table->data;
+  double total = 0.0, mean = 0.0;
+  for (uint64_t i = 0; i < node->state_count; ++i) {
+    total += beliefs[i];
+    mean += beliefs[i] * node->state_values[i];
+  }
+  if (!(total > 0.0)) {
+    vel::fail(vel_error_computation);
+    return -1.0;
+  }
+  mean /= total;
+  double variance = 0.0;
+  for (uint64_t i = 0; i < node->state_count; ++i) {
+    double deviation = node->state_values[i] - mean;
+    variance += beliefs[i] * deviation * deviation;
+  }
+  return variance / total;
+}
+
+}  // extern "C"

@@ -1,0 +1,41 @@
+// Searches in node and expression lists, and in a model's expressions.
+#include "host/host.h"
+
+namespace {
+
+bool refers_to(const vel_expression_t *expression, const vel_node_t *node) {
+  if (expression->operator_ == vel_op_node) return expression->node == node;
+  if (expression->operator_ >= vel_op_number) return false;
+  for (vel_expression_t *const *argument = expression->arguments; *argument; ++argument)
+    if (refers_to(*argument, node)) return true;
+  return false;
+}
+
+}  // namespace
+
+extern "C" {
+
+int _vel_node_appears_in_model(const vel_model_t *model, const vel_node_t *node) {
+  if (!model || !model->expressions) return 0;
+  for (uint64_t i = 0; i < model->expression_count; ++i)
+    if (model->expressions[i] && refers_to(model->expressions[i], node)) return 1;
+  return 0;
+}
+
+int _vel_node_in_list(const vel_node_t *node, vel_node_t *const *list) {
+  return _vel_node_index(node, list) >= 0;
+}
+
+int64_t _vel_node_index(const vel_node_t *node, vel_node_t *const *list) {
+  for (int64_t i = 0; list && list[i]; ++i)
+    if (list[i] == node) return i;
+  return -1;
+}
+
+uint64_t _vel_expr_list_length(vel_expression_t *const *list) {
+  uint64_t length = 0;
+  while (list && list[length]) ++length;
+  return length;
+}
+
+}  // extern "C"

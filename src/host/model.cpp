@@ -1,0 +1,254 @@
+// Models: the model nodes of a node and one expression per configuration of
+// their states.  Every change marks the node's table as outdated.
+#include <limits>
+#include <new>
+#include <string>
+#include <unordered_set>
+#include <vector>
+
+#include "host/api_guard_internal.h"
+#include "host/expression_internal.h"
+#include "host/host.h"
+#include "host/model_size_internal.h"
+#include "host/storage_internal.h"
+#include "table_generator/table_generator.h"
+
+using vel::host::guarded;
+using vel::host::ModelStorage;
+using vel::host::usage;
+
+namespace vel::host {
+
+ModelStorage::~ModelStorage() {
+  for (vel_expression_t *expression : expressions) delete_tree(expression);
+}
+
+bool model_size(vel_node_t *const *nodes, const vel_node_t *replaced, uint64_t replaced_count,
+                uint64_t *size) {
+  uint64_t product = 1;
+  for (; nodes && *nodes; ++nodes) {
+    uint64_t count = *nodes == replaced ? replaced_count : (*nodes)->state_count;
+    if (__builtin_mul_overflow(product, count, &product)) return false;
+  }
+  *size = product;
+  return true;
+}
+
+}  // namespace vel::host
+
+namespace {
+
+std::string owner_name(const vel_model_t *model) { return model->node->name; }
+
+// The model's expressions changed: its table must be generated again, and a
+// function node's cached values no longer hold.
+void model_changed(vel_model_t *model) {
+  model->tables_outdated = 1;
+  if (vel::host::is_real_function(model->node)) {
+    _vel_invalidate_function_value(model->node, vel_mode_inference);
+    _vel_invalidate_function_value(model->node, vel_mode_configured);
+  }
+}
+
+size_t array_length(uint64_t count) {
+  if (count == std::numeric_limits<uint64_t>::max()) throw std::bad_alloc();
+  return static_cast<size_t>(count) + 1;
+}
+
+}  // namespace
+
+extern "C" {
+
+vel_model_t *vel_node_new_model(vel_node_t *node, vel_node_t *const *model_nodes) {
+  if (!node) {
+    usage("vel_node_new_model: node is NULL");
+    return nullptr;
+  }
+  return guarded<vel_model_t *>(nullptr, [&]() -> vel_model_t * {
+    std::string name = node->name;
+    if (node->kind > 0) {
+      usage("continuous node " + name + " cannot have a model");
+      return nullptr;
+    }
+    auto storage = std::make_unique<ModelStorage>();
+    for (vel_node_t *const *entry = model_nodes; entry && *entry; ++entry) {
+      vel_node_t *model_node = *entry;
+      if (!_vel_node_in_list(model_node, node->parents)) {
+        usage(std::string("model node ") + model_node->name + " is not a parent of " + name);
+        return nullptr;
+      }
+      if (!vel::host::is_discrete(model_node)) {
+        usage(std::string("model node ") + model_node->name + " of " + name + " has no states");
+        return nullptr;
+      }
+      for (vel_node_t *earlier : storage->nodes)
+        if (earlier == model_node) {
+          usage(std::string("model node ") + model_node->name + " of " + name + " appears twice");
+          return nullptr;
+        }
+      storage->nodes.push_back(model_node);
+    }
+    storage->nodes.push_back(nullptr);
+    vel_model_s &model = storage->record;
+    if (!vel::host::model_size(storage->nodes.data(), nullptr, 0, &model.expression_count)) {
+      usage("the model of " + name + " would have too many expressions");
+      return nullptr;
+    }
+    model.nodes = storage->nodes.data();
+    model.expressions = nullptr;
+    model.tables_outdated = 1;
+    model.samples_per_interval = 25;
+    model.node = node;
+    vel::host::storage_of(node).model = std::move(storage);  // frees an earlier model
+    node->model = &model;
+    model_changed(&model);
+    _vel_error_code = 0;
+    return &model;
+  });
+}
+
+vel_model_t *vel_node_get_model(const vel_node_t *node) {
+  if (!node) {
+    usage("vel_node_get_model: node is NULL");
+    return nullptr;
+  }
+  _vel_error_code = 0;
+  return node->model;
+}
+
+int vel_node_delete_model(vel_node_t *node) {
+  if (!node) return usage("vel_node_delete_model: node is NULL");
+  if (!node->model) return guarded<int>(vel_error_out_of_memory, [&] {
+    return usage(std::string("node ") + node->name + " has no model");
+  });
+  vel::host::storage_of(node).model.reset();
+  node->model = nullptr;
+  if (vel::host::is_real_function(node)) {
+    _vel_invalidate_function_value(node, vel_mode_inference);
+    _vel_invalidate_function_value(node, vel_mode_configured);
+  }
+  return _vel_error_code = 0;
+}
+
+vel_node_t *const *vel_model_get_nodes(const vel_model_t *model) {
+  if (!model) {
+    usage("vel_model_get_nodes: model is NULL");
+    return nullptr;
+  }
+  _vel_error_code = 0;
+  return model->nodes;
+}
+
+size_t vel_model_get_size(const vel_model_t *model) {
+  if (!model) {
+    usage("vel_model_get_size: model is NULL");
+    return static_cast<size_t>(-1);
+  }
+  _vel_error_code = 0;
+  return model->expression_count;
+}
+
+int vel_model_set_expression(vel_model_t *model, size_t index, vel_expression_t *expression) {
+  if (!model) return usage("vel_model_set_expression: model is NULL");
+  return guarded<int>(vel_error_out_of_memory, [&]() -> int {
+    if (index >= model->expression_count)
+      return usage("the model of " + owner_name(model) + " has no expression index " +
+                   std::to_string(index));
+    if (expression && expression->owner)
+      return usage("the expression belongs to another expression or model");
+    ModelStorage &storage = vel::host::storage_of(model);
+    if (storage.expressions.empty())
+      storage.expressions.assign(array_length(model->expression_count), nullptr);
+    vel_expression_t *old = storage.expressions[index];
+    storage.expressions[index] = expression;
+    if (expression) expression->owner = model;
+    vel::host::delete_tree(old);
+    model->expressions = storage.expressions.data();
+    model_changed(model);
+    return _vel_error_code = 0;
+  });
+}
+
+int vel_model_set_expressions(vel_model_t *model, vel_expression_t *const *expressions,
+                              size_t count) {
+  if (!model) return usage("vel_model_set_expressions: model is NULL");
+  return guarded<int>(vel_error_out_of_memory, [&]() -> int {
+    ModelStorage &storage = vel::host::storage_of(model);
+    std::vector<vel_expression_t *> fresh;
+    if (expressions) {
+      if (count != model->expression_count)
+        return usage("the model of " + owner_name(model) + " takes " +
+                     std::to_string(model->expression_count) + " expressions, got " +
+                     std::to_string(count));
+      std::unordered_set<const vel_expression_t *> seen;
+      for (size_t i = 0; i < count; ++i) {
+        const vel_expression_t *expression = expressions[i];
+        if (!expression) continue;
+        if (expression->owner)
+          return usage("expression " + std::to_string(i) +
+                       " belongs to another expression or model");
+        if (!seen.insert(expression).second)
+          return usage("expression " + std::to_string(i) + " appears twice in the list");
+      }
+      fresh.assign(expressions, expressions + count);
+      fresh.push_back(nullptr);
+    }
+    storage.expressions.swap(fresh);
+    for (vel_expression_t *old : fresh) vel::host::delete_tree(old);
+    for (vel_expression_t *expression : storage.expressions)
+      if (expression) expression->owner = model;
+    model->expressions = expressions ? storage.expressions.data() : nullptr;
+    model_changed(model);
+    return _vel_error_code = 0;
+  });
+}
+
+vel_expression_t *vel_model_get_expression(const vel_model_t *model, size_t index) {
+  if (!model) {
+    usage("vel_model_get_expression: model is NULL");
+    return nullptr;
+  }
+  return guarded<vel_expression_t *>(nullptr, [&]() -> vel_expression_t * {
+    if (index >= model->expression_count) {
+      usage("the model of " + owner_name(model) + " has no expression index " +
+            std::to_string(index));
+      return nullptr;
+    }
+    _vel_error_code = 0;
+    return model->expressions ? model->expressions[index] : nullptr;
+  });
+}
+
+int vel_model_set_samples_per_interval(vel_model_t *model, size_t samples) {
+  if (!model) return usage("vel_model_set_samples_per_interval: model is NULL");
+  if (samples == 0) return usage("samples per interval must be at least 1");
+  model->samples_per_interval = samples;
+  model->tables_outdated = 1;
+  return _vel_error_code = 0;
+}
+
+size_t vel_model_get_samples_per_interval(const vel_model_t *model) {
+  if (!model) {
+    usage("vel_model_get_samples_per_interval: model is NULL");
+    return 0;
+  }
+  _vel_error_code = 0;
+  return model->samples_per_interval;
+}
+
+int vel_model_get_tables_outdated(const vel_model_t *model) {
+  if (!model) {
+    usage("vel_model_get_tables_outdated: model is NULL");
+    return 0;
+  }
+  _vel_error_code = 0;
+  return model->tables_outdated != 0;
+}
+
+int vel_model_set_tables_outdated(vel_model_t *model, int outdated) {
+  if (!model) return usage("vel_model_set_tables_outdated: model is NULL");
+  model->tables_outdated = outdated ? 1 : 0;
+  return _vel_error_code = 0;
+}
+
+}  // extern "C"

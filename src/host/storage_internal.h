@@ -1,0 +1,83 @@
+// Host-private owners of the records of one domain.  Every record the module
+// reads lives inside one of these owners; the C++ containers sit beside the
+// records, never inside them, so the records stay plain.
+#pragma once
+
+#include <cstdint>
+#include <memory>
+#include <string>
+#include <unordered_map>
+#include <vector>
+
+#include "host/records.h"
+
+namespace vel::host {
+
+struct TableStorage {
+  vel_table_s record{};
+  std::vector<vel_node_t *> nodes;  // NULL-terminated
+  std::vector<float> data;
+};
+
+struct ModelStorage {
+  vel_model_s record{};
+  std::vector<vel_node_t *> nodes;               // NULL-terminated
+  std::vector<vel_expression_t *> expressions;  // count + 1 entries (trailing NULL) once created
+  ModelStorage() = default;
+  ModelStorage(const ModelStorage &) = delete;
+  ModelStorage &operator=(const ModelStorage &) = delete;
+  ~ModelStorage();  // frees the expression trees the model owns
+};
+
+struct NodeStorage {
+  vel_node_s record{};
+  std::string name;
+  std::vector<std::string> labels;        // one per state (labeled and boolean nodes)
+  std::vector<char *> label_pointers;     // into `labels`, for record.state_labels
+  std::vector<double> values;             // numbered: n values; interval: n + 1 bounds
+  std::vector<vel_node_t *> parents;      // NULL-terminated when non-empty
+  std::vector<vel_node_t *> children;     // NULL-terminated when non-empty
+  std::unique_ptr<TableStorage> table;
+  bool table_stale = false;               // parents or state counts changed since it was built
+  std::unique_ptr<TableStorage> beliefs;  // discrete nodes: one float per state
+  std::unique_ptr<ModelStorage> model;
+};
+
+}  // namespace vel::host
+
+struct vel_host_domain_data {
+  vel_junction_tree_s junction_tree{};
+  std::vector<std::unique_ptr<vel::host::NodeStorage>> nodes;  // in node-list order
+  std::unordered_map<std::string, vel_node_t *> by_name;
+  uint64_t table_version = 0;  // bumped whenever a table's contents change
+};
+
+namespace vel::host {
+
+inline NodeStorage &storage_of(const vel_node_t *node) {
+  return *node->domain->host->nodes[node->index];
+}
+
+inline ModelStorage &storage_of(const vel_model_t *model) {
+  return *storage_of(model->node).model;
+}
+
+// Points the record's list fields at the containers after they changed.
+void sync_node_lists(NodeStorage &storage);
+void sync_labels(NodeStorage &storage);
+
+// The node's table and its children's tables must be rebuilt; their models'
+// tables are outdated.
+void invalidate_tables(vel_node_t *node);
+void invalidate_own_table(vel_node_t *node);
+// The node's states changed meaning (labels, values): the tables generated
+// from models that may read them are outdated.
+void outdate_models(vel_node_t *node);
+
+// Predicates on node classes.
+inline bool is_discrete(const vel_node_t *node) { return node->kind == vel_kind_discrete; }
+inline bool is_real_function(const vel_node_t *node) {
+  return node->category == vel_category_function && node->kind < 0;
+}
+
+}  // namespace vel::host
