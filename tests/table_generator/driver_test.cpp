@@ -1,0 +1,188 @@
+// The generation driver: which nodes get tables, step order, messages, codes,
+// expression selection, and the working data.
+#include <cstdint>
+
+#include "generation_test_support.h"
+#include "host/allocation.h"
+
+namespace {
+
+using gentest::GenerationTest;
+
+TEST(SizeMultiply, SaturatesAtTheLargestSize) {
+  struct Case { size_t a, b, product; } cases[] = {
+      {0, SIZE_MAX, 0},
+      {8, 3, 24},
+      {1, SIZE_MAX, SIZE_MAX},
+      {2, SIZE_MAX / 2, SIZE_MAX - 1},
+      {2, SIZE_MAX / 2 + 1, SIZE_MAX},
+      {8, (SIZE_MAX >> 3) + 1, SIZE_MAX},
+      {SIZE_MAX, SIZE_MAX, SIZE_MAX},
+  };
+  for (const Case &c : cases) EXPECT_EQ(size_multiply(c.a, c.b), c.product) << c.a << " " << c.b;
+}
+
+class DriverTest : public GenerationTest {};
+
+TEST_F(DriverTest, RefusesNodesWithoutTablesFromModels) {
+  vel_node_t *plain = labeled("Plain", {"a", "b"});
+  vel_node_t *f = real_function("F");
+  model(f, {}, {"1"});
+  EXPECT_EQ(vel_node_generate_table(nullptr), vel_error_usage);
+  EXPECT_EQ(vel_node_generate_table(plain), vel_error_usage);
+  EXPECT_EQ(vel_node_generate_table(f), vel_error_usage);
+  EXPECT_EQ(vel_domain_generate_tables(nullptr), vel_error_usage);
+  // The only model is a real-valued function node's: the domain walk skips it.
+  EXPECT_EQ(vel_domain_generate_tables(domain_), 0);
+  EXPECT_EQ(vel_class_generate_tables(domain_), 0);
+}
+
+TEST_F(DriverTest, UnspecifiedModel) {
+  vel_node_t *x = labeled("X", {"a", "b"});
+  vel_node_new_model(x, nullptr);
+  EXPECT_EQ(vel_node_generate_table(x), vel_error_invalid_expression);
+  use_log();
+  EXPECT_EQ(vel_node_generate_table(x), vel_error_invalid_expression);
+  EXPECT_EQ(log(), "Model for X is unspecified\n");
+}
+
+TEST_F(DriverTest, UpToDateModelReturnsAtOnce) {
+  vel_node_t *x = labeled("X", {"a", "b"});
+  vel_model_t *m = vel_node_new_model(x, nullptr);
+  vel_model_set_tables_outdated(m, 0);
+  use_log();
+  EXPECT_EQ(vel_node_generate_table(x), 0);
+  EXPECT_EQ(log(), "");
+}
+
+TEST_F(DriverTest, AnnouncesEachTableWord) {
+  struct Case { int category; const char *expression, *line; } cases[] = {
+      {vel_category_chance, "\"b\"", "Using model for N0 to generate a conditional probability table\n"},
+      {vel_category_decision, "\"b\"", "Using model for N1 to generate a policy table\n"},
+      {vel_category_function, "\"b\"", "Using model for N2 to generate a conditional probability table\n"},
+      {vel_category_utility, "-2.5", "Using model for N3 to generate a utility table\n"},
+  };
+  use_log();
+  std::string expected;
+  for (const Case &c : cases) {
+    std::string name = "N" + std::to_string(&c - cases);
+    vel_node_t *n = c.category == vel_category_utility ? utility(name.c_str())
+                                                        : labeled(name.c_str(), {"a", "b"}, c.category);
+    vel_model_t *m = model(n, {}, {c.expression});
+    EXPECT_EQ(vel_node_generate_table(n), 0) << name;
+    EXPECT_EQ(vel_model_get_tables_outdated(m), 0);
+    expected += c.line;
+  }
+  EXPECT_EQ(log(), expected);
+  EXPECT_EQ(table(vel_domain_get_node_by_name(domain_, "N0")), (std::vector<double>{0, 1}));
+  EXPECT_EQ(table(vel_domain_get_node_by_name(domain_, "N3")), (std::vector<double>{-2.5}));
+}
+
+TEST_F(DriverTest, ReportsEveryBadExpressionBeforeFailing) {
+  vel_node_t *p = labeled("P", {"p0", "p1", "p2"});
+  vel_node_t *x = labeled("X", {"a", "b"});
+  parents(x, {p});
+  vel_model_t *m = model(x, {p}, {nullptr, "\"a\"", "1 + 2"});
+  std::vector<double> before{0.5, 0.5, 0.25, 0.75, 1, 0};
+  vel_node_set_table_data(x, before.data(), before.size());
+  use_log();
+  EXPECT_EQ(vel_node_generate_table(x), vel_error_invalid_expression);
+  EXPECT_EQ(log(),
+            "Using model for X to generate a conditional probability table\n"
+            "No expression at index 0\n"
+            "Invalid expression at index 2\n");
+  EXPECT_EQ(table(x), before);
+  EXPECT_NE(vel_model_get_tables_outdated(m), 0);
+}
+
+TEST_F(DriverTest, FailedWritesGiveTheIoCode) {
+  vel_node_t *x = labeled("X", {"a", "b"});
+  vel_node_new_model(x, nullptr);
+  vel_node_t *y = labeled("Y", {"a", "b"});
+  model(y, {}, {"\"a\""});
+  use_failing_log();
+  EXPECT_EQ(vel_node_generate_table(x), vel_error_io);
+  EXPECT_EQ(vel_node_generate_table(y), vel_error_io);
+}
+
+// A failure ends the walk: earlier nodes keep their new tables, the failing
+// one keeps its old table and its outdated flag.
+TEST_F(DriverTest, DomainWalkStopsAtTheFirstFailure) {
+  vel_node_t *a = labeled("A", {"a", "b"});
+  vel_model_t *ma = model(a, {}, {"\"b\""});
+  vel_node_t *b = labeled("B", {"a", "b"});
+  vel_model_t *mb = model(b, {}, {"\"c\""});
+  vel_node_t *c = labeled("C", {"a", "b"});
+  vel_model_t *mc = model(c, {}, {"\"a\""});
+  EXPECT_EQ(vel_domain_generate_tables(domain_), vel_error_invalid_expression);
+  EXPECT_EQ(vel_model_get_tables_outdated(ma), 0);
+  EXPECT_EQ(table(a), (std::vector<double>{0, 1}));
+  EXPECT_NE(vel_model_get_tables_outdated(mb), 0);
+  EXPECT_NE(vel_model_get_tables_outdated(mc), 0);
+  EXPECT_EQ(vel_class_generate_tables(domain_), vel_error_invalid_expression);
+  EXPECT_EQ(_vel_jt_generate_tables(vel_domain_get_junction_tree(domain_)),
+            vel_error_invalid_expression);
+  vel_model_set_expression(mb, 0, vel_parse_expression("\"a\"", b));
+  EXPECT_EQ(_vel_jt_generate_tables(vel_domain_get_junction_tree(domain_)), 0);
+  EXPECT_EQ(vel_model_get_tables_outdated(mc), 0);
+}
+
+// Rows run over the table's nodes, the first slowest; the expression is the
+// row-major index of the model nodes' states, in the model's order.
+TEST_F(DriverTest, SelectsExpressionsThroughStrides) {
+  vel_node_t *a = numbered("A", {0, 1});
+  vel_node_t *b = labeled("B", {"b0", "b1", "b2"});
+  vel_node_t *shared = numbered("Shared", {0, 1, 2, 3, 4, 5});
+  parents(shared, {a, b});
+  model(shared, {b}, {"A", "A + 2", "A + 4"});  // A is no model node: stride 0
+  vel_node_t *reordered = numbered("Reordered", {0, 1, 2, 3, 4, 5});
+  parents(reordered, {a, b});
+  model(reordered, {b, a}, {"0", "1", "2", "3", "4", "5"});
+  EXPECT_EQ(vel_domain_generate_tables(domain_), 0);
+  struct Case { vel_node_t *node; std::vector<int> states; } cases[] = {
+      {shared, {0, 2, 4, 1, 3, 5}},
+      {reordered, {0, 2, 4, 1, 3, 5}},
+  };
+  for (const Case &c : cases) {
+    std::vector<double> expected(36, 0.0);
+    for (size_t row = 0; row < 6; ++row) expected[row * 6 + c.states[row]] = 1.0;
+    EXPECT_EQ(table(c.node), expected) << vel_node_get_name(c.node);
+  }
+  EXPECT_EQ(a->state_index, -1);
+  EXPECT_EQ(b->state_index, -1);
+}
+
+TEST_F(DriverTest, ReleasesTheControlDataWhenTheWorkBufferFails) {
+  vel_node_t *x = labeled("X", {"a", "b"});
+  vel_model_t *m = model(x, {}, {"\"b\""});
+  vel_node_get_table(x);
+  vel::host::fail_allocations_after(1);
+  long calls = vel::host::allocation_count();
+  EXPECT_EQ(vel_node_generate_table(x), vel_error_out_of_memory);
+  EXPECT_EQ(vel::host::allocation_count() - calls, 2);
+  EXPECT_EQ(table(x), (std::vector<double>{0, 0}));
+  EXPECT_NE(vel_model_get_tables_outdated(m), 0);
+  // A utility table needs no work buffer.
+  vel_node_t *u = utility("U");
+  model(u, {}, {"1"});
+  calls = vel::host::allocation_count();
+  EXPECT_EQ(vel_node_generate_table(u), 0);
+  EXPECT_EQ(vel::host::allocation_count() - calls, 1);
+}
+
+#ifndef VEL_SANITIZED
+// state_count * node_count * 3 fits, eight times that does not: the request
+// saturates and the host's allocator refuses it.
+TEST_F(DriverTest, WorkBufferSizeSaturates) {
+  vel_node_t *x = labeled("X", {"a", "b"});
+  model(x, {}, {"\"b\""});
+  vel_node_get_table(x);
+  x->state_count = uint64_t{1} << 61;
+  int code = vel_node_generate_table(x);
+  x->state_count = 2;
+  EXPECT_EQ(code, vel_error_out_of_memory);
+  EXPECT_EQ(table(x), (std::vector<double>{0, 0}));
+}
+#endif
+
+}  // namespace

@@ -1,0 +1,118 @@
+#include "generation_test_support.h"
+
+#include <cstdlib>
+
+namespace gentest {
+
+GenerationTest::GenerationTest() : domain_(vel_domain_new()) {}
+
+GenerationTest::~GenerationTest() {
+  vel_domain_delete(domain_);
+  if (log_file_) fclose(log_file_);
+  free(log_buffer_);
+}
+
+void GenerationTest::use_log() {
+  log_file_ = open_memstream(&log_buffer_, &log_size_);
+  ASSERT_NE(log_file_, nullptr);
+  vel_domain_set_log_file(domain_, log_file_);
+}
+
+void GenerationTest::use_failing_log() {
+  log_file_ = fopen("/dev/full", "w");
+  ASSERT_NE(log_file_, nullptr);
+  setvbuf(log_file_, nullptr, _IONBF, 0);
+  vel_domain_set_log_file(domain_, log_file_);
+}
+
+std::string GenerationTest::log() {
+  if (!log_file_) return "";
+  fflush(log_file_);
+  if (!log_buffer_) return "";
+  return std::string(log_buffer_, log_size_);
+}
+
+namespace {
+
+vel_node_t *discrete(vel_domain_t *domain, int category, int subtype, const char *name,
+                     size_t states) {
+  vel_node_t *node = vel_domain_new_node(domain, category, vel_kind_discrete, subtype, name);
+  EXPECT_NE(node, nullptr) << name;
+  if (node && subtype != vel_subtype_boolean) {
+    EXPECT_EQ(vel_node_set_number_of_states(node, states), 0) << name;
+  }
+  return node;
+}
+
+}  // namespace
+
+vel_node_t *GenerationTest::labeled(const char *name, const std::vector<const char *> &labels,
+                                    int category) {
+  vel_node_t *node = discrete(domain_, category, vel_subtype_labeled, name, labels.size());
+  for (size_t i = 0; i < labels.size(); ++i) EXPECT_EQ(vel_node_set_state_label(node, i, labels[i]), 0);
+  return node;
+}
+
+vel_node_t *GenerationTest::boolean(const char *name, int category) {
+  return discrete(domain_, category, vel_subtype_boolean, name, 2);
+}
+
+vel_node_t *GenerationTest::numbered(const char *name, const std::vector<double> &values,
+                                     int category) {
+  vel_node_t *node = discrete(domain_, category, vel_subtype_numbered, name, values.size());
+  for (size_t i = 0; i < values.size(); ++i) EXPECT_EQ(vel_node_set_state_value(node, i, values[i]), 0);
+  return node;
+}
+
+vel_node_t *GenerationTest::interval(const char *name, const std::vector<double> &bounds,
+                                     int category) {
+  vel_node_t *node = discrete(domain_, category, vel_subtype_interval, name, bounds.size() - 1);
+  for (size_t i = 0; i < bounds.size(); ++i) EXPECT_EQ(vel_node_set_state_value(node, i, bounds[i]), 0);
+  return node;
+}
+
+vel_node_t *GenerationTest::utility(const char *name) {
+  return vel_domain_new_node(domain_, vel_category_utility, vel_kind_stateless, vel_subtype_none,
+                             name);
+}
+
+vel_node_t *GenerationTest::real_function(const char *name) {
+  return vel_domain_new_node(domain_, vel_category_function, vel_kind_stateless,
+                             vel_subtype_none, name);
+}
+
+void GenerationTest::parents(vel_node_t *node, const std::vector<vel_node_t *> &parents) {
+  for (vel_node_t *p : parents) EXPECT_EQ(vel_node_add_parent(node, p), 0);
+}
+
+vel_model_t *GenerationTest::model(vel_node_t *node, std::vector<vel_node_t *> model_nodes,
+                                   const std::vector<const char *> &texts) {
+  model_nodes.push_back(nullptr);
+  vel_model_t *model = vel_node_new_model(node, model_nodes.data());
+  EXPECT_NE(model, nullptr);
+  std::vector<vel_expression_t *> expressions;
+  for (const char *text : texts) {
+    vel_expression_t *e = text ? vel_parse_expression(text, node) : nullptr;
+    EXPECT_TRUE(e || !text) << text << ": " << vel_error_message();
+    expressions.push_back(e);
+  }
+  EXPECT_EQ(vel_model_set_expressions(model, expressions.data(), expressions.size()), 0);
+  return model;
+}
+
+std::vector<double> GenerationTest::table(vel_node_t *node) {
+  vel_table_t *table = vel_node_get_table(node);
+  const float *data = vel_table_get_data(table);
+  return std::vector<double>(data, data + vel_table_get_size(table));
+}
+
+void GenerationTest::propagate(vel_node_t *node, const std::vector<double> &beliefs) {
+  vel_domain_set_compiled(domain_, 1);
+  vel_jt_set_state(vel_domain_get_junction_tree(domain_), vel_equilibrium_sum,
+                   vel_evidence_mode_normal, 0);
+  if (node) {
+    EXPECT_EQ(vel_node_set_beliefs(node, beliefs.data(), beliefs.size()), 0);
+  }
+}
+
+}  // namespace gentest
