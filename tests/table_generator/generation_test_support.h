@@ -8,6 +8,7 @@
 #include <string>
 #include <vector>
 
+#include "common/error.h"
 #include "host/records.h"
 #include "table_generator/table_generator.h"
 #include "vel/vel.h"

@@ -1,0 +1,98 @@
+// Utility tables: sample points of interval parents, diagnostics, the
+// negative-entry rule and evaluation failures.
+#include "generation_test_support.h"
+
+namespace {
+
+using gentest::kInf;
+
+class UtilityTableTest : public gentest::GenerationTest {
+ protected:
+  vel_node_t *utility_over(const std::vector<vel_node_t *> &ps, const char *expression,
+                           size_t samples) {
+    vel_node_t *u = utility("U");
+    parents(u, ps);
+    vel_model_t *m = model(u, {}, {expression});
+    vel_model_set_samples_per_interval(m, samples);
+    use_log();
+    return u;
+  }
+  const std::string head = "Using model for U to generate a utility table\n";
+};
+
+TEST_F(UtilityTableTest, AveragesOverSamplePointsAndReportsTheSpread) {
+  vel_node_t *b = interval("B", {2, 6, 6});
+  vel_node_t *u = utility_over({b}, "B", 4);
+  EXPECT_EQ(vel_node_generate_table(u), 0);
+  EXPECT_EQ(table(u), (std::vector<double>{4, 6}));
+  EXPECT_EQ(log(), head + "(0): 4 (min=2.5, max=5.5)\n");
+}
+
+TEST_F(UtilityTableTest, UnboundedIntervalsAndNumberedParents) {
+  vel_node_t *b = interval("B", {-kInf, -5, 0, 5, kInf});
+  vel_node_t *n = numbered("N", {10, 20});
+  vel_node_t *u = utility_over({n, b}, "N + B", 1);
+  EXPECT_EQ(vel_node_generate_table(u), 0);
+  std::vector<double> expected;
+  for (double v : {10.0, 20.0}) {
+    for (double point : {-5 * 1.001, -2.5, 2.5, 5 * 1.001}) {
+      expected.push_back(static_cast<float>(v + point));
+    }
+  }
+  EXPECT_EQ(table(u), expected);
+  EXPECT_EQ(log(), head);
+}
+
+TEST_F(UtilityTableTest, TwoIntervalParentsAreSampledTogether) {
+  vel_node_t *b = interval("B", {0, 1});
+  vel_node_t *c = interval("C", {0, 10});
+  vel_node_t *u = utility_over({b, c}, "B * C", 10);
+  EXPECT_EQ(vel_node_generate_table(u), 0);
+  // Mean of b * c over 10 x 10 midpoints is 0.5 * 5; extremes at the corners.
+  EXPECT_NEAR(table(u)[0], 2.5, 1e-6);
+  EXPECT_EQ(log(), head + "(0,0): 2.5 (min=0.025, max=9.025)\n");
+}
+
+// The line of a failed evaluation has no newline; earlier entries stay.
+TEST_F(UtilityTableTest, EvaluationFailureLeavesAnOpenLine) {
+  vel_node_t *a = labeled("A", {"a0", "a1"});
+  vel_node_t *b = interval("B", {0, 5, 10});
+  vel_node_t *u = utility_over({a, b}, "1 / (B - 7.5)", 1);
+  std::vector<double> before(4, 9.0);
+  vel_node_set_table_data(u, before.data(), before.size());
+  EXPECT_EQ(vel_node_generate_table(u), vel_error_division_by_zero);
+  EXPECT_EQ(log(), head + "(0,1): evaluation failed");
+  EXPECT_EQ(table(u), (std::vector<double>{-0.2f, 9, 9, 9}));
+  EXPECT_EQ(a->state_index, -1);
+  EXPECT_EQ(b->state_index, -1);
+}
+
+TEST_F(UtilityTableTest, NegativeEntriesOnlyInUtilityTables) {
+  vel_node_t *u = utility_over({}, "-1", 1);
+  EXPECT_EQ(vel_node_generate_table(u), 0);
+  EXPECT_EQ(log(), head);
+  vel_model_set_tables_outdated(vel_node_get_model(u), 1);
+  vel_node_get_table(u)->is_utility_table = 0;
+  EXPECT_EQ(vel_node_generate_table(u), vel_error_negative_entry);
+  EXPECT_EQ(log(), head + head + "(): -1 (min=-1, max=-1)\n");
+  EXPECT_EQ(table(u), (std::vector<double>{-1}));
+}
+
+TEST_F(UtilityTableTest, FailedDiagnosticWriteGivesTheIoCode) {
+  vel_node_t *b = interval("B", {0, 2});
+  vel_node_t *u = utility("U");
+  parents(u, {b});
+  model(u, {}, {"B"});
+  vel_node_get_table(u);
+  // Past the announcement, every write fails.
+  use_failing_log();
+  vel_node_t *nodes[] = {b, nullptr};
+  vel_control_t control{1, 0, 0};
+  vel_table_t *t = vel_node_get_table(u);
+  float *data = t->data;
+  EXPECT_EQ(generate_utility(t, &data, vel_node_get_model(u)->expressions, nodes, &control),
+            vel_error_io);
+  EXPECT_EQ(t->data[0], 1.0f);
+}
+
+}  // namespace
