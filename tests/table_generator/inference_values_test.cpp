@@ -1,0 +1,104 @@
+// Values that inference gives the parents of function nodes.
+#include "generation_test_support.h"
+
+namespace {
+
+class InferenceValuesTest : public gentest::GenerationTest {
+ protected:
+  void set_jt(int compiled, int equilibrium, int mode, int pending) {
+    vel_domain_set_compiled(domain_, compiled);
+    vel_jt_set_state(vel_domain_get_junction_tree(domain_), equilibrium, mode, pending);
+  }
+};
+
+TEST_F(InferenceValuesTest, NeedsACompiledDomainWithASumEquilibrium) {
+  vel_node_t *n = numbered("N", {1, 10});
+  vel_node_set_beliefs(n, std::vector<double>{0.25, 0.75}.data(), 2);
+  struct Case { int compiled, equilibrium, mode, pending, code; } cases[] = {
+      {0, vel_equilibrium_sum, vel_evidence_mode_normal, 0, vel_error_not_compiled},
+      {1, vel_equilibrium_none, vel_evidence_mode_normal, 0, vel_error_not_propagated},
+      {1, vel_equilibrium_max, vel_evidence_mode_normal, 0, vel_error_computation},
+      {1, vel_equilibrium_sum, vel_evidence_mode_fast, 1, vel_error_computation},
+      {1, vel_equilibrium_sum, vel_evidence_mode_fast, 0, 0},
+      {1, vel_equilibrium_sum, vel_evidence_mode_normal, 1, 0},
+  };
+  for (const Case &c : cases) {
+    set_jt(c.compiled, c.equilibrium, c.mode, c.pending);
+    EXPECT_EQ(compute_dcu_value(n), c.code) << &c - cases;
+    EXPECT_EQ(_vel_error_code, c.code);
+  }
+}
+
+// A single state with positive belief gives its value; spread beliefs the
+// expected state value; evidence counts only in the normal evidence mode.
+TEST_F(InferenceValuesTest, StateAndValueOfANumberedNode) {
+  vel_node_t *n = numbered("N", {1, 10});
+  struct Case { std::vector<double> beliefs; int64_t evidence; int mode; int64_t state; double value; }
+  cases[] = {
+      {{0.25, 0.75}, -1, vel_evidence_mode_normal, -1, 0.25 * 1 + 0.75 * 10},
+      {{0, 1}, -1, vel_evidence_mode_normal, 1, 10},
+      {{0, 0}, -1, vel_evidence_mode_normal, -1, 0},
+      {{0, 1}, 0, vel_evidence_mode_normal, 0, 1},
+      {{0, 1}, 0, vel_evidence_mode_fast, 1, 10},
+  };
+  for (const Case &c : cases) {
+    set_jt(1, vel_equilibrium_sum, c.mode, 0);
+    vel_node_set_beliefs(n, c.beliefs.data(), 2);
+    vel_node_set_evidence(n, c.evidence);
+    EXPECT_EQ(compute_dcu_value(n), 0);
+    EXPECT_EQ(n->state_index, c.state) << &c - cases;
+    EXPECT_EQ(n->value, c.value) << &c - cases;
+  }
+}
+
+// An interval node's state is usable; its value is not.
+TEST_F(InferenceValuesTest, IntervalValueIsNeededOnlyThroughItsValue) {
+  vel_node_t *x = interval("X", {0, 1, 2});
+  vel_node_t *by_state = real_function("ByState");
+  vel_node_t *by_value = real_function("ByValue");
+  parents(by_state, {x});
+  parents(by_value, {x});
+  model(by_state, {}, {"state_index(X)"});
+  model(by_value, {}, {"X + 1"});
+  set_jt(1, vel_equilibrium_sum, vel_evidence_mode_normal, 0);
+  vel_node_set_beliefs(x, std::vector<double>{0, 1}.data(), 2);
+  by_state->mark = -1;
+  EXPECT_EQ(compute_dcu_value(x), 0);
+  EXPECT_EQ(x->state_index, 1);
+  by_value->mark = -1;
+  EXPECT_EQ(compute_dcu_value(x), vel_error_invalid_expression);
+  by_state->mark = by_value->mark = 0;
+}
+
+TEST_F(InferenceValuesTest, ContinuousMeanAndExpectedUtility) {
+  vel_node_t *c = vel_domain_new_node(domain_, vel_category_chance, vel_kind_continuous,
+                                      vel_subtype_none, "C");
+  vel_node_t *u = utility("U");
+  vel_node_set_mean_and_variance(c, 2.5, 1);
+  vel_node_set_expected_utility(u, -12.5, 4);
+  set_jt(1, vel_equilibrium_sum, vel_evidence_mode_normal, 0);
+  EXPECT_EQ(compute_dcu_value(c), 0);
+  EXPECT_EQ(c->value, 2.5);
+  EXPECT_EQ(compute_dcu_value(u), 0);
+  EXPECT_EQ(u->value, -12.5);
+}
+
+// A discrete function node's parents are evaluated first; a failure names
+// the parent and keeps its code.
+TEST_F(InferenceValuesTest, FunctionNodeParentFailureStopsGeneration) {
+  vel_node_t *p = labeled("P", {"a", "b"});
+  vel_node_t *f = labeled("F", {"a", "b"}, vel_category_function);
+  parents(f, {p});
+  model(f, {}, {"\"a\""});
+  use_log();
+  EXPECT_EQ(vel_node_generate_table(f), vel_error_not_compiled);
+  EXPECT_EQ(log(),
+            "Using model for F to generate a conditional probability table\n"
+            "Evaluation of parent P failed\n");
+  EXPECT_EQ(f->mark, 0);
+  propagate(p, {0, 1});
+  EXPECT_EQ(vel_node_generate_table(f), 0);
+  EXPECT_EQ(p->state_index, -1);  // the fill resets the parent's state
+}
+
+}  // namespace
