@@ -53,7 +53,7 @@ void check_mapping(const Source &source, const YAML::Node &map,
 
 Entry find(const YAML::Node &map, std::string_view key) {
   for (auto it = map.begin(); it != map.end(); ++it)
-    if (it->first.IsScalar() && it->first.Scalar() == key) return {it->first, it->second};
+    if (it->first.IsScalar() && it->first.Scalar() == key) return {it->first, it->second, true};
   return {};
 }
 

@@ -19,12 +19,13 @@ struct Source {
   [[noreturn]] void fail(const YAML::Node &at, const std::string &message) const;
 };
 
-// A key of a mapping with its value; `key` is an invalid handle when absent.
+// A key of a mapping with its value.
 struct Entry {
   YAML::Node key;
   YAML::Node value;
+  bool found = false;
 
-  bool present() const { return key.IsDefined(); }
+  bool present() const { return found; }
   // Where to point at the value: the value itself, or its key when the value
   // is empty (an empty value's mark lies on the next line).
   YAML::Mark value_mark() const;

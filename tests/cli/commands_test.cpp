@@ -1,0 +1,101 @@
+// Argument errors, help and version, vel check and vel evaluate.
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+
+#include "run_program.h"
+
+namespace {
+
+using testing::HasSubstr;
+using testing::StartsWith;
+using vel_test::data_file;
+using vel_test::run_vel;
+
+TEST(Arguments, EveryArgumentErrorExitsWithTwo) {
+  const std::string file = data_file("two_failures.yaml");
+  const std::vector<std::vector<std::string>> cases = {
+      {},
+      {"frobnicate"},
+      {"generate"},
+      {"generate", file, "--format", "xml"},
+      {"generate", file, "--log", "x.log", "--no-log"},
+      {"generate", file, "--node"},
+      {"generate", file, "--colour"},
+      {"check"},
+      {"evaluate", file},
+      {"evaluate", file, "--node", "Volume", "--mode", "guess"},
+      {"evaluate", file, "--node", "Volume", "--format", "csv"},
+  };
+  for (const auto &arguments : cases) {
+    const auto run = run_vel(arguments);
+    EXPECT_EQ(run.status, 2) << testing::PrintToString(arguments);
+    EXPECT_NE(run.err, "") << testing::PrintToString(arguments);
+  }
+}
+
+TEST(Arguments, HelpAndVersion) {
+  const auto help = run_vel({"--help"});
+  EXPECT_EQ(help.status, 0);
+  EXPECT_THAT(help.out, HasSubstr("generate"));
+  const auto generate_help = run_vel({"generate", "--help"});
+  EXPECT_EQ(generate_help.status, 0);
+  EXPECT_THAT(generate_help.out, HasSubstr("--no-log"));
+  const auto version = run_vel({"--version"});
+  EXPECT_EQ(version.status, 0);
+  EXPECT_EQ(version.out, "vel 0.1.0\n");
+}
+
+TEST(Check, ReportsEveryProblemWithoutGenerating) {
+  const std::string file = data_file("two_failures.yaml");
+  const auto run = run_vel({"check", file});
+  EXPECT_EQ(run.status, 1);
+  EXPECT_EQ(run.out, "");
+  EXPECT_EQ(run.err, file + ": node Umbrella: expression at index 1 does not fit the node\n" + file +
+                         ": node Wet: expression at index 2 is missing\n");
+  const auto clean = run_vel({"check", data_file("failing_utility.yaml")});
+  EXPECT_EQ(clean.status, 0);
+  EXPECT_EQ(clean.err, "");
+}
+
+TEST(Check, StateValuesOfAParent) {
+  vel_test::TempDir directory;
+  const std::string file = directory.write("states.yaml", R"(
+nodes:
+  - {name: Dose, type: numbered, states: [1, 3, 2]}
+  - name: Effect
+    type: boolean
+    parents: [Dose]
+    model: {nodes: [], expressions: ["Dose > 2"]}
+)");
+  const auto run = run_vel({"check", file});
+  EXPECT_EQ(run.status, 1);
+  EXPECT_EQ(run.err, file + ": node Dose: the state values do not form an increasing sequence\n");
+}
+
+TEST(Evaluate, ValueFromInferenceAsTextAndJson) {
+  const std::string file = data_file("function_node.yaml");
+  const auto text = run_vel({"evaluate", file, "--node", "Volume"});
+  EXPECT_EQ(text.status, 0);
+  EXPECT_EQ(text.out, "11\n");
+  const auto json = run_vel({"evaluate", file, "--node", "Volume", "--format", "json"});
+  EXPECT_EQ(json.status, 0);
+  EXPECT_EQ(json.out, "{\"node\": \"Volume\", \"mode\": \"inference\", \"value\": 11, \"error\": null}\n");
+}
+
+TEST(Evaluate, FailuresGiveTheLibraryCode) {
+  const std::string file = data_file("function_node.yaml");
+  const auto configured = run_vel({"evaluate", file, "--node", "Volume", "--mode", "configured", "--format", "json"});
+  EXPECT_EQ(configured.status, 1);
+  EXPECT_EQ(configured.out,
+            "{\"node\": \"Volume\", \"mode\": \"configured\", \"value\": null, \"error\": {\"code\": 47, \"name\": "
+            "\"vel_error_unsupported\", \"node\": \"Volume\"}}\n");
+  const auto chance = run_vel({"evaluate", file, "--node", "Level"});
+  EXPECT_EQ(chance.status, 1);
+  EXPECT_EQ(chance.out, "");
+  EXPECT_THAT(chance.err, StartsWith("vel: Level: error "));
+  const auto unknown = run_vel({"evaluate", file, "--node", "Nope"});
+  EXPECT_EQ(unknown.status, 2);
+  EXPECT_EQ(unknown.err, "vel: " + file + ": no node named 'Nope'\n");
+}
+
+}  // namespace
