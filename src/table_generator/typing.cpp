@@ -3,7 +3,10 @@
 
 namespace {
 
-bool has_arguments(uint32_t code) { return code >= vel_op_Normal && code <= vel_op_greater_or_equal; }
+// Codes 60..113 carry an argument array; leaves and unknown codes do not.
+bool has_arguments(uint32_t code) {
+  return code >= vel_op_Normal && code <= vel_op_greater_or_equal;
+}
 
 bool is_num(const vel_expression_t *e) {
   return e->type == vel_type_number || e->type == vel_type_any;
