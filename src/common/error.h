@@ -5,8 +5,9 @@
 
 extern "C" {
 // 0 = no error; otherwise one of the vel_error_* codes.  Every entry point
-// sets it; an inner failure propagates it unchanged.
-extern thread_local int _vel_error_code;
+// sets it; an inner failure propagates it unchanged.  constinit lets every
+// access go straight to the variable instead of through a TLS wrapper call.
+extern constinit thread_local int _vel_error_code;
 }
 
 namespace vel {
