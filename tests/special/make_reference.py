@@ -3,7 +3,7 @@
 #
 # Regenerate from the repository root with Debian's python3-mpmath:
 #     /usr/bin/python3 tests/special/make_reference.py
-# It rewrites tests/special/data/*.csv (about two minutes).
+# It rewrites tests/special/data/*.csv (one to three minutes).
 #
 # Every value is computed twice, at 50 and at 70 significant digits; a point
 # where the two disagree beyond 1e-35 relative is dropped and reported on
@@ -512,9 +512,9 @@ def interval_table(name, columns, reference, points):
 # ---------------------------------------------------------------------------
 # Grids.
 
-def around(x, ulps=1):
-    """x and its neighbours at the given distance in units in the last place."""
-    return [math.nextafter(x, -math.inf) if ulps else x, x, math.nextafter(x, math.inf)]
+def around(x):
+    """x and its two neighbouring doubles: both sides of a branch threshold."""
+    return [math.nextafter(x, -math.inf), x, math.nextafter(x, math.inf)]
 
 
 def log_grid(lo, hi, count):
