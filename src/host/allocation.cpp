@@ -2,6 +2,7 @@
 // with free), with a switch that lets tests make one allocation fail.
 #include "host/allocation.h"
 
+#include <cstdint>
 #include <cstdlib>
 
 #include "common/error.h"
@@ -30,7 +31,9 @@ extern "C" void *_vel_allocate(size_t bytes) {
     return nullptr;
   }
   if (successes_before_failure > 0) --successes_before_failure;
-  void *memory = std::malloc(bytes ? bytes : 1);
+  // No object may exceed PTRDIFF_MAX bytes; saturated sizes end here rather
+  // than in malloc.
+  void *memory = bytes > PTRDIFF_MAX ? nullptr : std::malloc(bytes ? bytes : 1);
   if (!memory) vel::fail(vel_error_out_of_memory);
   return memory;
 }
