@@ -46,18 +46,13 @@ TEST_F(BuilderTest, NewNodeFieldsAndList) {
   EXPECT_EQ(vel_domain_get_node_by_name(domain_, "Nothing"), nullptr);
 
   EXPECT_EQ(a->state_index, -1);
-  EXPECT_EQ(a->mark, 0);
   EXPECT_EQ(a->function_status[0], -1);
   EXPECT_EQ(a->function_status[1], -1);
   EXPECT_EQ(a->evidence.state, -1);
   EXPECT_EQ(a->configured_state, -1);
-  EXPECT_EQ(c->evidence.value, 0.0);
   EXPECT_EQ(a->junction_tree, vel_domain_get_junction_tree(domain_));
   EXPECT_EQ(a->junction_tree->domain, domain_);
   EXPECT_EQ(a->junction_tree->equilibrium, vel_equilibrium_none);
-  EXPECT_EQ(a->junction_tree->evidence_mode, vel_evidence_mode_normal);
-  EXPECT_EQ(domain_->is_compiled, 0);
-
   EXPECT_EQ(vel_node_get_number_of_states(a), 2u);
   EXPECT_STREQ(vel_node_get_state_label(a, 0), "false");
   EXPECT_STREQ(vel_node_get_state_label(a, 1), "true");

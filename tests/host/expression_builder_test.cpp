@@ -85,13 +85,6 @@ TEST_F(ExpressionBuilderTest, OperatorTakesOwnership) {
   EXPECT_EQ(choice->depth, 3u);
   EXPECT_EQ(vel_expression_delete(sum), vel_error_usage) << "owned by the if";
   EXPECT_EQ(vel_expression_delete(choice), 0);
-
-  vel_expression_t *const none[] = {nullptr};
-  vel_expression_t *empty_and = vel_make_operator(vel_op_and, none);
-  ASSERT_NE(empty_and, nullptr);
-  EXPECT_EQ(empty_and->type, vel_type_boolean);
-  EXPECT_EQ(empty_and->arguments[0], nullptr);
-  vel_expression_delete(empty_and);
 }
 
 TEST_F(ExpressionBuilderTest, RefusalsKeepArgumentsUntouched) {

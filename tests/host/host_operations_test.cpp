@@ -185,48 +185,27 @@ TEST(AllocationSwitch, FailsOnceAfterTheGivenSuccesses) {
   EXPECT_EQ(vel_error_code(), vel_error_out_of_memory);
 }
 
-TEST_F(HostOperationsTest, ListsAndModelReferences) {
+TEST_F(HostOperationsTest, NodeAppearsAnywhereInTheModel) {
   vel_node_t *a = valued(vel_subtype_numbered, {0, 1});
   vel_node_t *b = valued(vel_subtype_numbered, {0, 1});
   vel_node_t *child = valued(vel_subtype_numbered, {0, 1});
   vel_node_add_parent(child, a);
   vel_node_add_parent(child, b);
-  vel_node_t *const list[] = {a, b, nullptr};
-  EXPECT_EQ(_vel_node_index(b, list), 1);
-  EXPECT_EQ(_vel_node_index(child, list), -1);
-  EXPECT_EQ(_vel_node_index(a, nullptr), -1);
-  EXPECT_EQ(_vel_node_in_list(a, list), 1);
-  EXPECT_EQ(_vel_node_in_list(a, nullptr), 0);
-
   vel_node_t *const model_nodes[] = {a, nullptr};
   vel_model_t *model = vel_node_new_model(child, model_nodes);
-  EXPECT_EQ(_vel_node_appears_in_model(model, a), 0) << "unspecified model";
+  EXPECT_EQ(_vel_node_appears_in_model(model, b), 0) << "unspecified model";
   // b appears deep inside the expression of state 1 only.
   vel_expression_t *const inner[] = {vel_make_node_reference(b), vel_make_number(2), nullptr};
   vel_expression_t *const outer[] = {vel_make_operator(vel_op_multiply, inner), nullptr};
   vel_model_set_expression(model, 1, vel_make_operator(vel_op_negate, outer));
   EXPECT_EQ(_vel_node_appears_in_model(model, b), 1);
   EXPECT_EQ(_vel_node_appears_in_model(model, a), 0) << "a model node is not a reference";
-  EXPECT_EQ(_vel_node_appears_in_model(nullptr, b), 0);
-
-  vel_expression_t *const exprs[] = {model->expressions[1], model->expressions[1], nullptr};
-  EXPECT_EQ(_vel_expr_list_length(exprs), 2u);
-  EXPECT_EQ(_vel_expr_list_length(nullptr), 0u);
-
-  model->tables_outdated = 0;
-  _vel_node_touch_model(child);
-  EXPECT_EQ(model->tables_outdated, 1);
 }
 
 TEST_F(HostOperationsTest, PrintSizeAndLogFlush) {
   EXPECT_STREQ(_vel_print_size(domain_, 0), "0");
   EXPECT_STREQ(_vel_print_size(domain_, UINT64_MAX), "18446744073709551615");
   EXPECT_EQ(_vel_domain_flush_log_file(domain_), 0) << "no log file";
-  FILE *log = std::tmpfile();
-  ASSERT_NE(log, nullptr);
-  vel_domain_set_log_file(domain_, log);
-  EXPECT_EQ(_vel_domain_flush_log_file(domain_), 0);
-  std::fclose(log);
   // /dev/full takes buffered output and refuses it when flushed.
   FILE *full = std::fopen("/dev/full", "w");
   if (!full) GTEST_SKIP() << "no /dev/full";
@@ -236,7 +215,6 @@ TEST_F(HostOperationsTest, PrintSizeAndLogFlush) {
   EXPECT_EQ(vel_error_code(), vel_error_io);
   vel_domain_set_log_file(domain_, nullptr);
   std::fclose(full);
-  vel_domain_set_log_file(domain_, nullptr);
 }
 
 }  // namespace

@@ -102,8 +102,6 @@ TEST_F(InferenceResultsTest, BeliefsEvidenceAndConfiguredStates) {
   vel_node_t *n = node(vel_subtype_labeled, {}, {0.25, 0.75});
   EXPECT_EQ(n->belief_table->data[1], 0.75f);
   EXPECT_EQ(n->belief_table->nodes[0], n);
-  EXPECT_EQ(vel_node_get_belief(n, 1), 0.75);
-  EXPECT_LT(vel_node_get_belief(n, 2), 0.0);
   const double negative[] = {-0.1, 1.1};
   const double three[] = {0.2, 0.3, 0.5};
   EXPECT_EQ(vel_node_set_beliefs(n, negative, 2), vel_error_usage);
@@ -112,8 +110,6 @@ TEST_F(InferenceResultsTest, BeliefsEvidenceAndConfiguredStates) {
   EXPECT_EQ(n->evidence.state, 1);
   EXPECT_EQ(vel_node_set_evidence(n, 2), vel_error_usage);
   EXPECT_EQ(vel_node_set_configured_state(n, 0), 0);
-  EXPECT_EQ(n->configured_state, 0);
-  EXPECT_EQ(vel_node_set_configured_state(n, -2), vel_error_usage);
   // A new state count resizes the beliefs and drops states that no longer exist.
   ASSERT_EQ(vel_node_set_number_of_states(n, 1), 0);
   EXPECT_EQ(n->belief_table->data[0], 0.0f);
@@ -139,10 +135,6 @@ TEST_F(InferenceResultsTest, MeansVariancesAndUtilities) {
   EXPECT_EQ(vel_node_get_expected_utility(cost, 0), -12.5f);
   EXPECT_EQ(vel_node_get_variance_of_utility(cost), 4.0f);
   EXPECT_EQ(vel_node_get_expected_utility(level, 0), -1.0f);
-  EXPECT_EQ(vel_error_code(), vel_error_usage);
-  EXPECT_EQ(vel_node_get_variance_of_utility(numbered), -1.0f);
-  EXPECT_EQ(vel_error_code(), vel_error_usage);
-  EXPECT_EQ(vel_node_get_mean(numbered), -1.0);
   EXPECT_EQ(vel_error_code(), vel_error_usage);
   EXPECT_EQ(vel_node_set_expected_utility(cost, 1e300, 0), vel_error_usage);
   EXPECT_EQ(vel_node_set_mean_and_variance(level, 0, -1), vel_error_usage);
