@@ -343,6 +343,10 @@ int vel_node_set_configured_value(vel_node_t *node, double value);
  * (cached until something it depends on changes).  On failure a negative
  * value with the error code set. */
 double vel_node_get_value(vel_node_t *node);
+/* Value of a real-valued function node in either mode (vel_mode_inference or
+ * vel_mode_configured), cached per mode like vel_node_get_value's.  Stores
+ * it in *value and returns 0, or returns the error code (value untouched). */
+int vel_node_compute_value(vel_node_t *node, int mode, double *value);
 
 #ifdef __cplusplus
 }

@@ -1,6 +1,7 @@
 // Domains and classes: creation, deletion, the node list, the log file and
 // the state of the domain's junction tree.
 #include "host/api_guard_internal.h"
+#include "host/host.h"
 #include "host/storage_internal.h"
 #include "table_generator/table_generator.h"
 
@@ -27,10 +28,15 @@ vel_domain_t *new_domain(int is_class) {
 }
 
 // Inference results changed for the whole domain: cached function values
-// computed from them are stale.
+// computed from them are stale, and so are the tables of discrete function
+// nodes, which are generated from their parents' inferred values.
 void invalidate_inferred_function_values(vel_domain_t *domain) {
-  for (vel_node_t *node = domain->first_node; node; node = node->next)
-    if (vel::host::is_real_function(node)) _vel_invalidate_function_value(node, vel_mode_inference);
+  for (vel_node_t *node = domain->first_node; node; node = node->next) {
+    if (vel::host::is_real_function(node))
+      _vel_invalidate_function_value(node, vel_mode_inference);
+    else if (node->category == vel_category_function)
+      _vel_node_touch_model(node);
+  }
 }
 
 }  // namespace

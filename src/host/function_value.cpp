@@ -1,19 +1,27 @@
 // The value of a real-valued function node, computed by the table generator's
-// function-node evaluation from inference results.
+// function-node evaluation and cached per mode in the node.
 #include "host/api_guard_internal.h"
 #include "host/storage_internal.h"
 #include "table_generator/table_generator.h"
 
-extern "C" double vel_node_get_value(vel_node_t *node) {
-  if (!node) {
-    vel::host::usage("vel_node_get_value: node is NULL");
-    return -1.0;
-  }
-  if (!vel::host::is_real_function(node)) {
-    vel::host::usage("vel_node_get_value: not a real-valued function node");
-    return -1.0;
-  }
-  if (_vel_node_compute_function_value(node, vel_mode_inference) != 0) return -1.0;
-  _vel_error_code = 0;
-  return node->inferred_value;
+extern "C" {
+
+double vel_node_get_value(vel_node_t *node) {
+  double value = 0.0;
+  if (vel_node_compute_value(node, vel_mode_inference, &value) != 0) return -1.0;
+  return value;
 }
+
+int vel_node_compute_value(vel_node_t *node, int mode, double *value) {
+  if (!node) return vel::host::usage("vel_node_compute_value: node is NULL");
+  if (!value) return vel::host::usage("vel_node_compute_value: value is NULL");
+  if (mode != vel_mode_inference && mode != vel_mode_configured)
+    return vel::host::usage("vel_node_compute_value: mode must be 0 (inference) or 1 (configured)");
+  if (!vel::host::is_real_function(node))
+    return vel::host::usage("vel_node_compute_value: not a real-valued function node");
+  if (int code = _vel_node_compute_function_value(node, static_cast<uint32_t>(mode))) return code;
+  *value = mode == vel_mode_inference ? node->inferred_value : node->configured_value;
+  return _vel_error_code = 0;
+}
+
+}  // extern "C"

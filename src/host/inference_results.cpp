@@ -7,6 +7,7 @@
 
 #include "host/api_guard_internal.h"
 #include "host/host.h"
+#include "host/read_count_internal.h"
 #include "host/storage_internal.h"
 #include "table_generator/table_generator.h"
 
@@ -78,6 +79,7 @@ int vel_node_set_mean_and_variance(vel_node_t *node, double mean, double varianc
 }
 
 double vel_node_get_mean(const vel_node_t *node) {
+  vel::host::count_value_read();
   if (!node) {
     usage("vel_node_get_mean: node is NULL");
     return -1.0;
@@ -102,6 +104,7 @@ int vel_node_set_expected_utility(vel_node_t *node, double expected_utility, dou
 }
 
 float vel_node_get_expected_utility(const vel_node_t *node, int) {
+  vel::host::count_value_read();
   if (!node) {
     usage("vel_node_get_expected_utility: node is NULL");
     return -1.0f;
@@ -115,6 +118,7 @@ float vel_node_get_expected_utility(const vel_node_t *node, int) {
 }
 
 float vel_node_get_variance_of_utility(const vel_node_t *node) {
+  vel::host::count_value_read();
   if (!node) {
     usage("vel_node_get_variance_of_utility: node is NULL");
     return -1.0f;
@@ -154,6 +158,7 @@ int vel_node_set_configured_value(vel_node_t *node, double value) {
 // Continuous nodes: the propagated variance.  Numbered nodes: the variance
 // of the state values under the normalised beliefs.
 double _vel_node_get_variance(const vel_node_t *node, int) {
+  vel::host::count_value_read();
   if (!node) {
     vel::fail(vel_error_usage);
     return -1.0;

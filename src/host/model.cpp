@@ -40,10 +40,19 @@ namespace {
 
 std::string owner_name(const vel_model_t *model) { return model->node->name; }
 
+// 1 when the expressions read the value of a real-valued function parent.
+int64_t reads_function_values(const vel_model_t *model) {
+  for (vel_node_t *const *parent = model->node->parents; parent && *parent; ++parent)
+    if (vel::host::is_real_function(*parent) && _vel_node_appears_in_model(model, *parent))
+      return 1;
+  return 0;
+}
+
 // The model's expressions changed: its table must be generated again, and a
 // function node's cached values no longer hold.
 void model_changed(vel_model_t *model) {
   model->tables_outdated = 1;
+  model->function_value_use = reads_function_values(model);
   if (vel::host::is_real_function(model->node)) {
     _vel_invalidate_function_value(model->node, vel_mode_inference);
     _vel_invalidate_function_value(model->node, vel_mode_configured);

@@ -7,6 +7,7 @@
 
 #include "common/error.h"
 #include "host/host.h"
+#include "host/read_count_internal.h"
 
 namespace {
 
@@ -53,6 +54,7 @@ int interval_verdict(const double *b, uint64_t n) {
 extern "C" {
 
 double _vel_node_get_state_value(const vel_node_t *node, int64_t state) {
+  vel::host::count_value_read();
   if (node && state >= 0) {
     uint64_t index = static_cast<uint64_t>(state);
     if ((is_numbered(node) && index < node->state_count) ||

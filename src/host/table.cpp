@@ -8,6 +8,7 @@
 #include "host/api_guard_internal.h"
 #include "host/host.h"
 #include "host/storage_internal.h"
+#include "table_generator/table_generator.h"
 
 using vel::host::guarded;
 using vel::host::NodeStorage;
@@ -40,16 +41,24 @@ void invalidate_own_table(vel_node_t *node) {
   if (node->model) node->model->tables_outdated = 1;
 }
 
+// Function nodes read a discrete node's state and state value in both modes.
+void invalidate_function_values(vel_node_t *node) {
+  _vel_invalidate_function_children(node, vel_mode_inference);
+  _vel_invalidate_function_children(node, vel_mode_configured);
+}
+
 void invalidate_tables(vel_node_t *node) {
   invalidate_own_table(node);
   for (vel_node_t *const *child = node->children; child && *child; ++child)
     invalidate_own_table(*child);
+  invalidate_function_values(node);
 }
 
 void outdate_models(vel_node_t *node) {
   if (node->model) node->model->tables_outdated = 1;
   for (vel_node_t *const *child = node->children; child && *child; ++child)
     if ((*child)->model) (*child)->model->tables_outdated = 1;
+  invalidate_function_values(node);
 }
 
 }  // namespace vel::host
