@@ -79,6 +79,11 @@ int variance_of(vel_node_t *node, uint32_t mode) {
 
 }  // namespace
 
+int model_uses_node(const vel_model_t *model, const vel_node_t *node) {
+  if (model == nullptr) return 0;
+  return _vel_node_appears_in_model(model, node) || _vel_node_in_list(node, model->nodes);
+}
+
 extern "C" int _vel_node_compute_function_value(vel_node_t *node, uint32_t mode) {
   if (node == nullptr || mode > vel_mode_configured || !is_real_function(node)) {
     return vel::fail(vel_error_usage);
@@ -112,7 +117,7 @@ void initialize_ancestors(vel_node_t *node, uint32_t mode) {
       initialize_ancestors(node->value_source, mode);
     } else if (node->parents != nullptr) {
       for (vel_node_t **p = node->parents; *p != nullptr; ++p) {
-        if (_vel_node_appears_in_model(node->model, *p)) initialize_ancestors(*p, mode);
+        if (model_uses_node(node->model, *p)) initialize_ancestors(*p, mode);
       }
     }
   }

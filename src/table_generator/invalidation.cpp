@@ -41,7 +41,7 @@ void _vel_invalidate_function_value(vel_node_t *node, uint32_t mode) {
   node->function_status[mode] = -1;
   for (vel_node_t **c = node->children; c != nullptr && *c != nullptr; ++c) {
     vel_node_t *child = *c;
-    if (!_vel_node_appears_in_model(child->model, node)) continue;
+    if (!model_uses_node(child->model, node)) continue;
     if (is_real_function(child)) {
       _vel_invalidate_function_value(child, mode);
     } else if (mode == vel_mode_inference) {
@@ -63,7 +63,7 @@ void _vel_invalidate_function_children(vel_node_t *node, uint32_t mode) {
   for (vel_node_t **c = node->children; c != nullptr && *c != nullptr; ++c) {
     vel_node_t *child = *c;
     if (child->category != vel_category_function ||
-        !_vel_node_appears_in_model(child->model, node)) {
+        !model_uses_node(child->model, node)) {
       continue;
     }
     if (child->kind < 0) {

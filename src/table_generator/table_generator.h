@@ -99,3 +99,6 @@ int compute_function_value(vel_node_t *node, uint32_t mode);
 int compute_function_value_aux(vel_node_t *node, uint32_t mode);
 vel_expression_t *get_expression(const vel_model_t *model);
 int eval_expression_nodes(const vel_expression_t *expression, uint32_t mode);
+// Nonzero when the model's value depends on the node: its expressions refer
+// to it, or it is a model node (which selects the expression).
+int model_uses_node(const vel_model_t *model, const vel_node_t *node);
