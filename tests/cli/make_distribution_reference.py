@@ -6,7 +6,9 @@
 #     /usr/bin/python3 tests/cli/make_distribution_reference.py
 # It rewrites tests/cli/data/distributions/*.yaml (the models) and
 # tests/cli/data/distributions/expected.csv (file, node, entry, value: every
-# entry of every generated table in storage order, 20 significant digits).
+# entry of every generated table in storage order, 20 significant digits),
+# and tests/cli/data/distributions/binomial.csv (trials, p, k, probability)
+# for the unit tests of the binomial running product.
 #
 # Each node below is described once: the expression that the model file
 # gives to vel, and the same distribution built here from its definition
@@ -429,6 +431,23 @@ def parent_models():
     return [a, b, c], nodes
 
 
+BINOMIAL_CASES = [
+    (3, 0.5, 0), (3, 0.5, 1), (3, 0.5, 2), (3, 0.5, 3), (10, 0.3, 0), (10, 0.3, 3),
+    (10, 0.3, 10), (0, 0.4, 0), (20, 0.0, 0), (20, 1.0, 20), (20, 0.0, 3), (50, 0.001, 2),
+    (1000, 0.3, 300), (1000, 0.3, 0), (1000, 0.999, 1000), (1000, 0.999, 990), (997, 0.5, 498),
+    (5000, 0.01, 37),
+]
+
+
+def write_binomial():
+    rows = ["trials,p,k,probability"]
+    for n, p, k in BINOMIAL_CASES:
+        value = mp.binomial(n, k) * mpf(p) ** k * (1 - mpf(p)) ** (n - k)
+        rows.append(f"{n},{repr(p)},{k},{mp.nstr(value, 20)}")
+    with open(os.path.join(OUT_DIR, "binomial.csv"), "w") as out:
+        out.write("\n".join(rows) + "\n")
+
+
 def main():
     os.makedirs(OUT_DIR, exist_ok=True)
     parents, with_parents = parent_models()
@@ -443,6 +462,7 @@ def main():
                 rows.append(f"{file_name},{node.name},{i},{mp.nstr(value, 20)}")
     with open(os.path.join(OUT_DIR, "expected.csv"), "w") as out:
         out.write("\n".join(rows) + "\n")
+    write_binomial()
 
 
 if __name__ == "__main__":
