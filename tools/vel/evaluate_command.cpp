@@ -4,7 +4,6 @@
 #include <iostream>
 
 #include "commands.h"
-#include "configured_value.h"
 #include "io/table_output.h"
 #include "messages.h"
 
@@ -19,14 +18,9 @@ int run_evaluate(const EvaluateOptions &options) {
     return 2;
   }
 
+  const int mode = options.mode == "configured" ? vel_mode_configured : vel_mode_inference;
   double value = 0.0;
-  int code;
-  if (options.mode == "configured") {
-    code = compute_configured_value(node, value);
-  } else {
-    value = vel_node_get_value(node);
-    code = vel_error_code();
-  }
+  const int code = vel_node_compute_value(node, mode, &value);
 
   if (options.format == "json") {
     std::cout << "{\"node\": \"" << options.node << "\", \"mode\": \"" << options.mode << "\", \"value\": "
