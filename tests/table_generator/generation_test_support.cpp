@@ -8,17 +8,26 @@ GenerationTest::GenerationTest() : domain_(vel_domain_new()) {}
 
 GenerationTest::~GenerationTest() {
   vel_domain_delete(domain_);
+  close_log();
+}
+
+void GenerationTest::close_log() {
   if (log_file_) fclose(log_file_);
   free(log_buffer_);
+  log_file_ = nullptr;
+  log_buffer_ = nullptr;
+  log_size_ = 0;
 }
 
 void GenerationTest::use_log() {
+  close_log();
   log_file_ = open_memstream(&log_buffer_, &log_size_);
   ASSERT_NE(log_file_, nullptr);
   vel_domain_set_log_file(domain_, log_file_);
 }
 
 void GenerationTest::use_failing_log() {
+  close_log();
   log_file_ = fopen("/dev/full", "w");
   ASSERT_NE(log_file_, nullptr);
   setvbuf(log_file_, nullptr, _IONBF, 0);

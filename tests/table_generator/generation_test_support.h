@@ -51,6 +51,7 @@ class GenerationTest : public ::testing::Test {
   vel_domain_t *domain_;
 
  private:
+  void close_log();
   FILE *log_file_ = nullptr;
   char *log_buffer_ = nullptr;
   size_t log_size_ = 0;

@@ -70,19 +70,6 @@ TEST_F(InferenceValuesTest, IntervalValueIsNeededOnlyThroughItsValue) {
   by_state->mark = by_value->mark = 0;
 }
 
-TEST_F(InferenceValuesTest, ContinuousMeanAndExpectedUtility) {
-  vel_node_t *c = vel_domain_new_node(domain_, vel_category_chance, vel_kind_continuous,
-                                      vel_subtype_none, "C");
-  vel_node_t *u = utility("U");
-  vel_node_set_mean_and_variance(c, 2.5, 1);
-  vel_node_set_expected_utility(u, -12.5, 4);
-  set_jt(1, vel_equilibrium_sum, vel_evidence_mode_normal, 0);
-  EXPECT_EQ(compute_dcu_value(c), 0);
-  EXPECT_EQ(c->value, 2.5);
-  EXPECT_EQ(compute_dcu_value(u), 0);
-  EXPECT_EQ(u->value, -12.5);
-}
-
 // A discrete function node's parents are evaluated first; a failure names
 // the parent and keeps its code.
 TEST_F(InferenceValuesTest, FunctionNodeParentFailureStopsGeneration) {

@@ -6,13 +6,6 @@ namespace {
 
 class ProbabilityTableTest : public gentest::GenerationTest {};
 
-TEST_F(ProbabilityTableTest, NodeWithoutParentsGetsOneRowFromTheFirstExpression) {
-  vel_node_t *x = labeled("X", {"a", "b", "c"});
-  model(x, {}, {"Distribution(1, 2, 1)"});
-  EXPECT_EQ(vel_node_generate_table(x), 0);
-  EXPECT_EQ(table(x), (std::vector<double>{0.25, 0.5, 0.25}));
-}
-
 // A spread over the sample points is reported for each state and accepted;
 // the table receives the mean.
 TEST_F(ProbabilityTableTest, ReportsRowsThatVaryOverIntervalParents) {

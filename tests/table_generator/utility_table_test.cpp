@@ -78,21 +78,4 @@ TEST_F(UtilityTableTest, NegativeEntriesOnlyInUtilityTables) {
   EXPECT_EQ(table(u), (std::vector<double>{-1}));
 }
 
-TEST_F(UtilityTableTest, FailedDiagnosticWriteGivesTheIoCode) {
-  vel_node_t *b = interval("B", {0, 2});
-  vel_node_t *u = utility("U");
-  parents(u, {b});
-  model(u, {}, {"B"});
-  vel_node_get_table(u);
-  // Past the announcement, every write fails.
-  use_failing_log();
-  vel_node_t *nodes[] = {b, nullptr};
-  vel_control_t control{1, 0, 0};
-  vel_table_t *t = vel_node_get_table(u);
-  float *data = t->data;
-  EXPECT_EQ(generate_utility(t, &data, vel_node_get_model(u)->expressions, nodes, &control),
-            vel_error_io);
-  EXPECT_EQ(t->data[0], 1.0f);
-}
-
 }  // namespace
