@@ -72,29 +72,15 @@ nodes:
   EXPECT_EQ(run.err, file + ": node Dose: the state values do not form an increasing sequence\n");
 }
 
-TEST(Evaluate, ValueFromInferenceAsTextAndJson) {
+TEST(Evaluate, NodeThatIsNoFunctionNodeOrNoNodeAtAll) {
   const std::string file = data_file("function_node.yaml");
-  const auto text = run_vel({"evaluate", file, "--node", "Volume"});
-  EXPECT_EQ(text.status, 0);
-  EXPECT_EQ(text.out, "11\n");
-  const auto json = run_vel({"evaluate", file, "--node", "Volume", "--format", "json"});
-  EXPECT_EQ(json.status, 0);
-  EXPECT_EQ(json.out, "{\"node\": \"Volume\", \"mode\": \"inference\", \"value\": 11, \"error\": null}\n");
-}
-
-TEST(Evaluate, FailuresGiveTheLibraryCode) {
-  const std::string file = data_file("function_node.yaml");
-  const auto configured = run_vel({"evaluate", file, "--node", "Volume", "--mode", "configured", "--format", "json"});
-  EXPECT_EQ(configured.status, 1);
-  EXPECT_EQ(configured.out,
-            "{\"node\": \"Volume\", \"mode\": \"configured\", \"value\": null, \"error\": {\"code\": 47, \"name\": "
-            "\"vel_error_unsupported\", \"node\": \"Volume\"}}\n");
   const auto chance = run_vel({"evaluate", file, "--node", "Level"});
   EXPECT_EQ(chance.status, 1);
   EXPECT_EQ(chance.out, "");
-  EXPECT_THAT(chance.err, StartsWith("vel: Level: error "));
-  const auto unknown = run_vel({"evaluate", file, "--node", "Nope"});
+  EXPECT_THAT(chance.err, StartsWith("vel: Level: error 1 (vel_error_usage): "));
+  const auto unknown = run_vel({"evaluate", file, "--node", "Nope", "--format", "json"});
   EXPECT_EQ(unknown.status, 2);
+  EXPECT_EQ(unknown.out, "");
   EXPECT_EQ(unknown.err, "vel: " + file + ": no node named 'Nope'\n");
 }
 

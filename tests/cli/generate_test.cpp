@@ -3,14 +3,13 @@
 #include <gtest/gtest.h>
 
 #include <nlohmann/json.hpp>
-#include <regex>
 #include <sstream>
 
 #include "run_program.h"
 
 namespace {
 
-using testing::HasSubstr;
+using testing::MatchesRegex;
 using testing::StartsWith;
 using vel_test::data_file;
 using vel_test::run_vel;
@@ -122,7 +121,7 @@ TEST(Generate, StatsReportEntriesAndTime) {
       {"generate", data_file("two_failures.yaml"), "--node", "Rain", "--stats", "--no-log", "--format", "none"});
   EXPECT_EQ(run.status, 0);
   EXPECT_EQ(run.out, "");
-  EXPECT_TRUE(std::regex_match(run.err, std::regex("Rain: 4 entries, [0-9]+\\.[0-9]{3} ms\n"))) << run.err;
+  EXPECT_THAT(run.err, MatchesRegex("Rain: 4 entries, [0-9]+\\.[0-9]{3} ms\n"));
 }
 
 TEST(Generate, FileThatCannotBeLoaded) {
