@@ -9,36 +9,6 @@
 #include "table_generator/distribution_log.h"
 #include "table_generator/table_generator.h"
 
-double dmax(double a, double b) { return a >= b ? a : b; }
-double dmin(double a, double b) { return a < b ? a : b; }
-double shift(double x, double c) { return -DBL_MAX < x && x < DBL_MAX ? x - c : x; }
-
-double law_mass(const continuous_law_t *law, double x1, double x2) {
-  const double *p = law->p;
-  const double c = law->location;
-  switch (law->op) {
-    case vel_op_Normal:
-      return _vel_Gauss_cdf(x1, x2, p[0], p[1]);
-    case vel_op_LogNormal:
-      return LogNormal_cdf(shift(x1, c), shift(x2, c), p[0], p[1]);
-    case vel_op_Beta:
-    case vel_op_PERT:
-      return Beta_cdf(x1, x2, p[0], p[1], p[2], p[3]);
-    case vel_op_Gamma:
-      return Gamma_cdf(shift(x1, c), shift(x2, c), p[0], p[1]);
-    case vel_op_Exponential:
-      return Exponential_cdf(shift(x1, c), shift(x2, c), p[0]);
-    case vel_op_Weibull:
-      return Weibull_cdf(shift(x1, c), shift(x2, c), p[0], p[1]);
-    case vel_op_Uniform:
-      return Uniform_cdf(x1, x2, p[0], p[1]);
-    case vel_op_Triangular:
-      return Triangular_cdf(x1, x2, p[0], p[1], p[2]);
-    default:
-      return -1.0;
-  }
-}
-
 int check_state_range(double lower, double upper, vel_node_t *node, uint64_t n, uint32_t op,
                       int truncated) {
   const char *name_of_op = operator_names[op - vel_op_Normal];
@@ -70,18 +40,78 @@ int check_state_range(double lower, double upper, vel_node_t *node, uint64_t n, 
 
 namespace {
 
+// Calls visit(mass) with mass(x1, x2) the probability that the law puts on
+// (x1, x2), so that the interval function is chosen once per row.
+template <typename Visit>
+int with_interval_function(const continuous_law_t &law, Visit visit) {
+  const double a = law.p[0], b = law.p[1], c = law.p[2], d = law.p[3];
+  const double location = law.location;
+  switch (law.op) {
+    case vel_op_Normal:
+      return visit([=](double x1, double x2) { return _vel_Gauss_cdf(x1, x2, a, b); });
+    case vel_op_LogNormal:
+      return visit([=](double x1, double x2) {
+        return LogNormal_cdf(shift(x1, location), shift(x2, location), a, b);
+      });
+    case vel_op_Beta:
+    case vel_op_PERT:
+      return visit([=](double x1, double x2) { return Beta_cdf(x1, x2, a, b, c, d); });
+    case vel_op_Gamma:
+      return visit([=](double x1, double x2) {
+        return Gamma_cdf(shift(x1, location), shift(x2, location), a, b);
+      });
+    case vel_op_Exponential:
+      return visit([=](double x1, double x2) {
+        return Exponential_cdf(shift(x1, location), shift(x2, location), a);
+      });
+    case vel_op_Weibull:
+      return visit([=](double x1, double x2) {
+        return Weibull_cdf(shift(x1, location), shift(x2, location), a, b);
+      });
+    case vel_op_Uniform:
+      return visit([=](double x1, double x2) { return Uniform_cdf(x1, x2, a, b); });
+    case vel_op_Triangular:
+      return visit([=](double x1, double x2) { return Triangular_cdf(x1, x2, a, b, c); });
+    default:
+      return vel::fail(vel_error_unsupported);
+  }
+}
+
 // The Gamma interval function fails where the incomplete gamma ratio cannot
 // reach its accuracy; its code survives the message.
-int fail_gamma(const vel_node_t *node, const continuous_law_t *law) {
+int fail_gamma(const vel_node_t *node, const continuous_law_t &law) {
   const int code = _vel_error_code;
   FILE *log = distribution_log(node);
   if (log != nullptr &&
       fprintf(log,
               "Computation failed for gamma distribution with parameters: shape = %g, scale = %g\n",
-              law->p[0], law->p[1]) < 0) {
+              law.p[0], law.p[1]) < 0) {
     return vel::fail(vel_error_io);
   }
   return vel::fail(code);
+}
+
+// The mass of every state within the truncation bounds, over the mass of
+// the bounds themselves.
+template <typename Mass>
+int discretise(Mass mass, const continuous_law_t &law, vel_node_t *node, double *result, uint64_t n,
+               double lower, double upper) {
+  // A failed normaliser (negative) counts as too little mass.
+  const double z = mass(lower, upper);
+  if (!(z >= DBL_MIN)) {
+    return report_fault(
+        node, vel_error_invalid_expression,
+        "Invalid truncation of the %s distribution (insufficient probability mass)\n",
+        operator_names[law.op - vel_op_Normal]);
+  }
+  const double *v = node->state_values;
+  const bool gamma = law.op == vel_op_Gamma;
+  for (uint64_t i = 0; i < n; ++i) {
+    const double p = mass(dmax(lower, v[i]), dmin(upper, v[i + 1])) / z;
+    if (gamma && p < 0) return fail_gamma(node, law);
+    result[i] = result[n + i] = result[2 * n + i] = p;
+  }
+  return 0;
 }
 
 }  // namespace
@@ -94,19 +124,6 @@ int continuous_distribution(const vel_expression_t *distribution, vel_node_t *no
                                    n, law.op, truncated)) {
     return code;
   }
-  // A failed normaliser (negative) counts as too little mass.
-  const double z = law_mass(&law, lower, upper);
-  if (!(z >= DBL_MIN)) {
-    return report_fault(
-        node, vel_error_invalid_expression,
-        "Invalid truncation of the %s distribution (insufficient probability mass)\n",
-        operator_names[law.op - vel_op_Normal]);
-  }
-  const double *v = node->state_values;
-  for (uint64_t i = 0; i < n; ++i) {
-    const double p = law_mass(&law, dmax(lower, v[i]), dmin(upper, v[i + 1])) / z;
-    if (p < 0 && law.op == vel_op_Gamma) return fail_gamma(node, &law);
-    result[i] = result[n + i] = result[2 * n + i] = p;
-  }
-  return 0;
+  return with_interval_function(
+      law, [&](auto mass) { return discretise(mass, law, node, result, n, lower, upper); });
 }

@@ -2,6 +2,7 @@
 // continuous_distribution needs to put its mass on the states of a node.
 #pragma once
 
+#include <cfloat>
 #include <cstdint>
 
 #include "host/records.h"
@@ -19,12 +20,8 @@ struct continuous_law_t {
 int read_continuous_law(const vel_expression_t *distribution, const vel_node_t *node,
                         continuous_law_t *law);
 
-// Probability that the distribution puts on (x1, x2); negative on failure,
-// with the error code set.  Infinite ends are accepted.
-double law_mass(const continuous_law_t *law, double x1, double x2);
-
 // The larger of a and b (a on equality) and the smaller (b on equality).
-double dmax(double a, double b);
-double dmin(double a, double b);
+inline double dmax(double a, double b) { return a >= b ? a : b; }
+inline double dmin(double a, double b) { return a < b ? a : b; }
 // x - c for finite x; an infinite end stays where it is.
-double shift(double x, double c);
+inline double shift(double x, double c) { return -DBL_MAX < x && x < DBL_MAX ? x - c : x; }
