@@ -67,36 +67,6 @@ TEST_F(ContinuousTest, FillsRowsZeroToTwoWithTheRenormalisedMasses) {
   }
 }
 
-// PERT(a, m, b) is the beta distribution with shapes 1 + 4(m - a)/(b - a)
-// and 1 + 4(b - m)/(b - a) on [a, b].
-TEST_F(ContinuousTest, PertIsTheBetaWithItsShapes) {
-  vel_node_t *x = interval("X", {0, 0.5, 1, 2, 3, 3.5, 4});
-  const std::vector<double> beta = rows(x, "Beta(2, 4, 0, 4)");
-  EXPECT_EQ(rows(x, "PERT(0, 1, 4)"), beta);
-  EXPECT_EQ(rows(x, "PERT(0, 1, 4, 4)"), beta);
-  EXPECT_EQ(rows(x, "PERT(0, 1, 4, 2)"), rows(x, "Beta(1.5, 2.5, 0, 4)"));
-  // Beta(alpha, beta) without bounds lives on [0, 1].
-  vel_node_t *u = interval("U", {0, 0.25, 0.5, 1});
-  EXPECT_EQ(rows(u, "Beta(2, 3)"), rows(u, "Beta(2, 3, 0, 1)"));
-}
-
-// The location families move the bounds, not the infinite ends.
-TEST_F(ContinuousTest, LocationShiftsTheStateBounds) {
-  vel_node_t *shifted = interval("S", {-kInf, 3, 3.5, 5, kInf});
-  vel_node_t *plain = interval("P", {-kInf, 0, 0.5, 2, kInf});
-  const std::pair<const char *, const char *> pairs[] = {
-      {"Gamma(2, 1.5, 3)", "Gamma(2, 1.5)"},
-      {"Weibull(1.5, 2, 3)", "Weibull(1.5, 2)"},
-      {"Exponential(0.5, 3)", "Exponential(0.5)"},
-      {"LogNormal(0, 1, 3)", "LogNormal(0, 1)"},
-  };
-  for (const auto &[with_location, without] : pairs) {
-    SCOPED_TRACE(with_location);
-    EXPECT_EQ(rows(shifted, with_location), rows(plain, without));
-    EXPECT_EQ(rows(shifted, with_location, 3.5, 5), rows(plain, without, 0.5, 2));
-  }
-}
-
 struct FaultCase {
   int subtype;  // of X; interval nodes take `bounds`
   std::vector<double> bounds;
