@@ -32,21 +32,15 @@ std::string json(const Case &c) {
 }
 
 const Case cases[] = {
-    {"pump.yaml", "Base", "inference", "3.75", 0, nullptr},
     {"pump.yaml", "Net", "inference", "2.5625", 0, nullptr},
     {"pump.yaml", "Margin", "inference", "-7.4375", 0, nullptr},
     {"pump.yaml", "Flow", "configured", "9", 0, nullptr},
     {"pump.yaml", "Net", "configured", "7.5", 0, nullptr},
-    {"pump.yaml", "Margin", "configured", "-2.5", 0, nullptr},
     {"failures.yaml", "ByValue", "inference", nullptr, 34, "vel_error_invalid_expression"},
-    {"failures.yaml", "ByValue", "configured", nullptr, 34, "vel_error_invalid_expression"},
     {"failures.yaml", "ByState", "inference", "0", 0, nullptr},
     {"failures.yaml", "ByState", "configured", nullptr, 34, "vel_error_invalid_expression"},
-    {"failures.yaml", "Ratio", "inference", "1", 0, nullptr},
     {"failures.yaml", "Ratio", "configured", nullptr, 36, "vel_error_division_by_zero"},
-    {"failures.yaml", "Unset", "inference", nullptr, 34, "vel_error_invalid_expression"},
     {"failures.yaml", "Unset", "configured", nullptr, 34, "vel_error_invalid_expression"},
-    {"failures.yaml", "Unspecified", "configured", nullptr, 34, "vel_error_invalid_expression"},
     {"uncompiled.yaml", "Power", "inference", nullptr, 17, "vel_error_not_compiled"},
     {"uncompiled.yaml", "Power", "configured", "200", 0, nullptr},
     {"uncompiled.yaml", "Load", "configured", nullptr, 1, "vel_error_usage"},
