@@ -47,7 +47,8 @@ void clear_flagged(vel_node_t *node) {
 int configured_value(vel_node_t *node) {
   if (node->kind == vel_kind_discrete) {
     const int64_t state = node->configured_state;
-    // An interval state has no single value to configure.
+    // An interval state has no single value; from configuration that is
+    // refused even where only the state would be read.
     if (node->subtype == vel_subtype_interval) return vel::fail(vel_error_invalid_expression);
     if (node->subtype == vel_subtype_numbered) node->value = _vel_node_get_state_value(node, state);
     node->state_index = state;
