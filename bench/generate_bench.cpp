@@ -14,7 +14,6 @@
 
 #include <cfloat>
 #include <ctime>
-#include <cstdio>
 #include <vector>
 
 #include "special/special.h"
@@ -35,8 +34,8 @@ struct Fixture {
   std::vector<double> bounds_a, bounds_b, bounds_x;
 
   vel_node_t *interval(const char *name, const std::vector<double> &bounds) {
-    vel_node_t *node =
-        vel_domain_new_node(domain, vel_category_chance, vel_kind_discrete, vel_subtype_interval, name);
+    vel_node_t *node = vel_domain_new_node(domain, vel_category_chance, vel_kind_discrete,
+                                           vel_subtype_interval, name);
     vel_node_set_number_of_states(node, bounds.size() - 1);
     for (size_t i = 0; i < bounds.size(); ++i) vel_node_set_state_value(node, i, bounds[i]);
     return node;
@@ -126,7 +125,8 @@ void GenerateNormalOverTwoIntervalParents(benchmark::State &state) {
   }
   const double iterations = static_cast<double>(state.iterations());
   const double entries = static_cast<double>(vel_table_get_size(vel_node_get_table(f.x)));
-  const double calls = static_cast<double>(kStatesA) * kStatesB * kSamples * kSamples * (kStatesX + 1);
+  const double calls =
+      static_cast<double>(kStatesA) * kStatesB * kSamples * kSamples * (kStatesX + 1);
   state.counters["entries"] = entries;
   state.counters["entries_per_s"] = entries * iterations / generate_seconds;
   state.counters["gauss_calls"] = calls;
