@@ -2,7 +2,7 @@
 # Reference tables for the special-function tests, computed with mpmath.
 #
 # Regenerate from the repository root with Debian's python3-mpmath:
-#     /usr/bin/python3 tests/special/make_reference.py
+#     /usr/bin/python3 scripts/reference/special_functions.py
 # It rewrites tests/special/data/*.csv (one to three minutes).
 #
 # Every value is computed twice, at 50 and at 70 significant digits; a point
@@ -33,7 +33,7 @@ KAPPA_DPS = 25
 AGREEMENT = mpf(10) ** -35
 UNIT = mpf(2) ** -53
 DBL_MAX = sys.float_info.max
-DATA_DIR = os.path.join(os.path.dirname(os.path.abspath(__file__)), "data")
+DATA_DIR = os.path.join(os.path.dirname(os.path.abspath(__file__)), "..", "..", "tests", "special", "data")
 
 dropped = []
 
@@ -483,7 +483,7 @@ def text(x):
 def write_table(name, columns, rows):
     path = os.path.join(DATA_DIR, name + ".csv")
     with open(path, "w") as out:
-        out.write("# " + name + ": reference values from tests/special/make_reference.py\n")
+        out.write("# " + name + ": reference values from scripts/reference/special_functions.py\n")
         out.write(",".join(columns + ["reference", "allowance"]) + "\n")
         for inputs, value, allowance in rows:
             out.write(",".join([text(v) for v in inputs]

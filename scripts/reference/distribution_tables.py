@@ -3,7 +3,7 @@
 # with mpmath.
 #
 # Regenerate from the repository root with Debian's python3-mpmath:
-#     /usr/bin/python3 tests/cli/make_distribution_reference.py
+#     /usr/bin/python3 scripts/reference/distribution_tables.py
 # It rewrites tests/cli/data/distributions/*.yaml (the models) and
 # tests/cli/data/distributions/expected.csv (file, node, entry, value: every
 # entry of every generated table in storage order, 20 significant digits),
@@ -25,7 +25,7 @@ from mpmath import mpf
 
 mp.mp.dps = 60
 INF = math.inf
-OUT_DIR = os.path.join(os.path.dirname(os.path.abspath(__file__)), "data", "distributions")
+OUT_DIR = os.path.join(os.path.dirname(os.path.abspath(__file__)), "..", "..", "tests", "cli", "data", "distributions")
 
 
 def big(x):
@@ -290,7 +290,7 @@ def number(x):
 
 
 def write_model(file_name, domain, parents, nodes):
-    lines = [f"# Written by tests/cli/make_distribution_reference.py; do not edit.",
+    lines = [f"# Written by scripts/reference/distribution_tables.py; do not edit.",
              f"domain: {domain}", "nodes:"]
     for p in parents:
         k = p.count()
