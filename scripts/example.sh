@@ -5,4 +5,4 @@ cd "$(dirname "$0")/.."
 bash scripts/setup.sh
 cmake -S . -B build >/dev/null
 cmake --build build -j"$(nproc)" --target vel_program
-./build/bin/vel generate examples/${1:-maintenance.yaml}
+./build/bin/vel generate examples/${1:-lead_time.yaml}
