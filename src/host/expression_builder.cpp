@@ -39,12 +39,9 @@ std::string operator_text(const OperatorInfo &info) {
 // Why the argument list does not suit the operator; empty when it does.
 std::string argument_error(const OperatorInfo &info, vel_expression_t *const *arguments,
                            int count) {
-  if (!vel::host::arity_fits(info, count)) {
-    const char *allowed = vel::host::arity_text(info);
-    bool singular = std::strcmp(allowed, "1") == 0;
-    return operator_text(info) + " takes " + allowed + (singular ? " argument" : " arguments") +
-           ", got " + std::to_string(count);
-  }
+  if (!vel::host::arity_fits(info, count))
+    return operator_text(info) + " takes " + vel::host::arity_text(info) + ", got " +
+           std::to_string(count);
   for (int i = 0; i < count; ++i) {
     const vel_expression_t *argument = arguments[i];
     if (argument->owner)

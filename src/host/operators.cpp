@@ -96,14 +96,16 @@ bool arity_fits(const OperatorInfo &info, int count) {
 }
 
 const char *arity_text(const OperatorInfo &info) {
-  if (info.even_count) return "an even number, 2 or more";
-  if (info.code == vel_op_Beta) return "2 or 4";
-  if (info.max_arguments == many) return info.min_arguments == 0 ? "0 or more" : "1 or more";
-  static const char *const exact[] = {"0", "1", "2", "3", "4"};
+  if (info.even_count) return "an even number of arguments, 2 or more";
+  if (info.code == vel_op_Beta) return "2 or 4 arguments";
+  if (info.max_arguments == many)
+    return info.min_arguments == 0 ? "0 or more arguments" : "1 or more arguments";
+  static const char *const exact[] = {"0 arguments", "1 argument", "2 arguments",
+                                      "3 arguments", "4 arguments"};
   if (info.min_arguments == info.max_arguments) return exact[info.min_arguments];
-  if (info.min_arguments == 1) return "1 or 2";
-  if (info.min_arguments == 2) return "2 or 3";
-  return "3 or 4";
+  if (info.min_arguments == 1) return "1 or 2 arguments";
+  if (info.min_arguments == 2) return "2 or 3 arguments";
+  return "3 or 4 arguments";
 }
 
 }  // namespace vel::host

@@ -26,8 +26,8 @@ const OperatorInfo *find_operator(int code);
 const OperatorInfo *find_call(std::string_view name);
 // Whether `count` arguments suit the operator.
 bool arity_fits(const OperatorInfo &info, int count);
-// Human text of the allowed counts: "2", "2 or 3", "2 or 4", "1 or more",
-// "an even number, 2 or more", "0 or more".
+// Human text of the allowed counts: "1 argument", "2 or 3 arguments",
+// "1 or more arguments", "an even number of arguments, 2 or more".
 const char *arity_text(const OperatorInfo &info);
 
 }  // namespace vel::host

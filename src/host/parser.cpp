@@ -103,13 +103,8 @@ int comparison_code(TokenKind kind) {
 
 [[noreturn, gnu::noinline, gnu::cold]] void fail_arity(size_t offset, const OperatorInfo &info,
                                                        size_t count) {
-  std::string allowed = arity_text(info);
-  std::string message = std::string(info.name) + " takes ";
-  if (info.even_count)
-    message += "an even number of arguments, 2 or more";
-  else
-    message += allowed + (allowed == "1" ? " argument" : " arguments");
-  fail(offset, message + ", got " + std::to_string(count));
+  fail(offset, std::string(info.name) + " takes " + arity_text(info) + ", got " +
+                   std::to_string(count));
 }
 
 [[noreturn, gnu::noinline, gnu::cold]] void fail_argument(size_t offset, const char *call,

@@ -103,7 +103,7 @@ TEST_F(ExpressionBuilderTest, RefusalsKeepArgumentsUntouched) {
        "Normal takes 2 arguments, got 3"},
       {"Beta with 3", vel_op_Beta, {number(), number(), number()}, "Beta takes 2 or 4 arguments, got 3"},
       {"NoisyOR with 3", vel_op_NoisyOR, {keep(vel_make_truth(1)), number(), keep(vel_make_truth(0))},
-       "NoisyOR takes an even number, 2 or more arguments, got 3"},
+       "NoisyOR takes an even number of arguments, 2 or more, got 3"},
       {"log with 2", vel_op_log, {number(), number()}, "log takes 1 argument, got 2"},
       {"Poisson with 0", vel_op_Poisson, {}, "Poisson takes 1 argument, got 0"},
       {"aggregate with a number", vel_op_aggregate, {ref(), number()},
