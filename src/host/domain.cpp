@@ -28,9 +28,9 @@ vel_domain_t *new_domain(int is_class) {
 }
 
 // Inference results changed for the whole domain: cached function values
-// computed from them are stale, and so are the tables of discrete function
-// nodes, which are generated from their parents' inferred values.
+// computed from them are stale, and so are the tables generated from them.
 void invalidate_inferred_function_values(vel_domain_t *domain) {
+  vel::host::outdate_inference_readers(domain, nullptr);
   for (vel_node_t *node = domain->first_node; node; node = node->next) {
     if (vel::host::is_real_function(node))
       _vel_invalidate_function_value(node, vel_mode_inference);

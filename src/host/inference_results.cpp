@@ -1,6 +1,6 @@
 // Results of inference and configured values, set from outside until the
 // library propagates on its own.  Every change invalidates the cached
-// function-node values that were computed from the old results.
+// function-node values and the tables that were computed from the old results.
 #include <cfloat>
 #include <cmath>
 #include <string>
@@ -40,6 +40,7 @@ int vel_node_set_beliefs(vel_node_t *node, const double *beliefs, size_t count) 
       return refuse(node, "takes finite, non-negative beliefs only");
   float *data = node->belief_table->data;
   for (size_t i = 0; i < count; ++i) data[i] = static_cast<float>(beliefs[i]);
+  vel::host::outdate_inference_readers(node->domain, node);
   _vel_invalidate_function_children(node, vel_mode_inference);
   return _vel_error_code = 0;
 }
@@ -63,6 +64,7 @@ int vel_node_set_evidence(vel_node_t *node, int64_t state) {
   if (state < -1 || state >= static_cast<int64_t>(node->state_count))
     return refuse(node, "has no such state");
   node->evidence.state = state;
+  vel::host::outdate_inference_readers(node->domain, node);
   _vel_invalidate_function_children(node, vel_mode_inference);
   return _vel_error_code = 0;
 }
@@ -74,6 +76,7 @@ int vel_node_set_mean_and_variance(vel_node_t *node, double mean, double varianc
     return refuse(node, "takes a finite mean and a finite, non-negative variance");
   node->mean = mean;
   node->propagated_variance = variance;
+  vel::host::outdate_inference_readers(node->domain, node);
   _vel_invalidate_function_children(node, vel_mode_inference);
   return _vel_error_code = 0;
 }
@@ -99,6 +102,7 @@ int vel_node_set_expected_utility(vel_node_t *node, double expected_utility, dou
     return refuse(node, "takes single-precision expected utilities and variances");
   node->expected_utility = expected_utility;
   node->utility_variance = variance;
+  vel::host::outdate_inference_readers(node->domain, node);
   _vel_invalidate_function_children(node, vel_mode_inference);
   return _vel_error_code = 0;
 }

@@ -53,6 +53,7 @@ int64_t reads_function_values(const vel_model_t *model) {
 void model_changed(vel_model_t *model) {
   model->tables_outdated = 1;
   model->function_value_use = reads_function_values(model);
+  vel::host::track_inference_reads(model);
   if (vel::host::is_real_function(model->node)) {
     _vel_invalidate_function_value(model->node, vel_mode_inference);
     _vel_invalidate_function_value(model->node, vel_mode_configured);
@@ -108,6 +109,7 @@ vel_model_t *vel_node_new_model(vel_node_t *node, vel_node_t *const *model_nodes
     model.tables_outdated = 1;
     model.samples_per_interval = 25;
     model.node = node;
+    if (node->model) vel::host::forget_inference_reads(node->model);
     vel::host::storage_of(node).model = std::move(storage);  // frees an earlier model
     node->model = &model;
     model_changed(&model);
@@ -130,6 +132,7 @@ int vel_node_delete_model(vel_node_t *node) {
   if (!node->model) return guarded<int>(vel_error_out_of_memory, [&] {
     return usage(std::string("node ") + node->name + " has no model");
   });
+  vel::host::forget_inference_reads(node->model);
   vel::host::storage_of(node).model.reset();
   node->model = nullptr;
   if (vel::host::is_real_function(node)) {

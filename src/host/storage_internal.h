@@ -23,6 +23,7 @@ struct ModelStorage {
   vel_model_s record{};
   std::vector<vel_node_t *> nodes;               // NULL-terminated
   std::vector<vel_expression_t *> expressions;  // count + 1 entries (trailing NULL) once created
+  bool reads_inference = false;  // listed in the domain's inference_readers
   ModelStorage() = default;
   ModelStorage(const ModelStorage &) = delete;
   ModelStorage &operator=(const ModelStorage &) = delete;
@@ -50,6 +51,8 @@ struct vel_host_domain_data {
   std::vector<std::unique_ptr<vel::host::NodeStorage>> nodes;  // in node-list order
   std::unordered_map<std::string, vel_node_t *> by_name;
   uint64_t table_version = 0;  // bumped whenever a table's contents change
+  // Models whose tables are generated from results of inference.
+  std::vector<vel_model_t *> inference_readers;
 };
 
 namespace vel::host {
@@ -73,6 +76,15 @@ void invalidate_own_table(vel_node_t *node);
 // The node's states changed meaning (labels, values): the tables generated
 // from models that may read them are outdated.
 void outdate_models(vel_node_t *node);
+
+// Models whose generation reads results of inference (probability, quantile,
+// variance, aggregate; a discrete function node's parents): the list is kept
+// up to date with the model's expressions, and a change of results marks the
+// tables of the models that read them outdated.
+void track_inference_reads(vel_model_t *model);
+void forget_inference_reads(vel_model_t *model);
+// node NULL: a change for the whole domain (compiled flag, junction tree).
+void outdate_inference_readers(vel_domain_t *domain, const vel_node_t *node);
 
 // Predicates on node classes.
 inline bool is_discrete(const vel_node_t *node) { return node->kind == vel_kind_discrete; }

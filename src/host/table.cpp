@@ -26,6 +26,17 @@ std::vector<vel_node_t *> table_nodes(vel_node_t *node) {
   return nodes;
 }
 
+// Whether the stored list (NULL-terminated) is still the node's table nodes;
+// compared in place, so handing out an unchanged table allocates nothing.
+bool same_table_nodes(const std::vector<vel_node_t *> &stored, vel_node_t *node) {
+  size_t i = 0;
+  auto next_is = [&](vel_node_t *expected) { return i < stored.size() && stored[i++] == expected; };
+  for (vel_node_t *const *parent = node->parents; parent && *parent; ++parent)
+    if (vel::host::is_discrete(*parent) && !next_is(*parent)) return false;
+  if (vel::host::is_discrete(node) && !next_is(node)) return false;
+  return next_is(nullptr) && i == stored.size();
+}
+
 const char *no_table_reason(const vel_node_t *node) {
   if (node->kind > 0) return "is continuous and has no table";
   if (vel::host::is_real_function(node)) return "is a real-valued function node and has no table";
@@ -52,6 +63,7 @@ void invalidate_tables(vel_node_t *node) {
   for (vel_node_t *const *child = node->children; child && *child; ++child)
     invalidate_own_table(*child);
   invalidate_function_values(node);
+  outdate_inference_readers(node->domain, node);
 }
 
 void outdate_models(vel_node_t *node) {
@@ -59,6 +71,7 @@ void outdate_models(vel_node_t *node) {
   for (vel_node_t *const *child = node->children; child && *child; ++child)
     if ((*child)->model) (*child)->model->tables_outdated = 1;
   invalidate_function_values(node);
+  outdate_inference_readers(node->domain, node);
 }
 
 }  // namespace vel::host
@@ -76,11 +89,11 @@ vel_table_t *vel_node_get_table(vel_node_t *node) {
       return nullptr;
     }
     NodeStorage &storage = vel::host::storage_of(node);
-    std::vector<vel_node_t *> nodes = table_nodes(node);
-    if (storage.table && !storage.table_stale && storage.table->nodes == nodes) {
+    if (storage.table && !storage.table_stale && same_table_nodes(storage.table->nodes, node)) {
       _vel_error_code = 0;
       return &storage.table->record;
     }
+    std::vector<vel_node_t *> nodes = table_nodes(node);
     uint64_t size = 1;
     for (vel_node_t *table_node : nodes)
       if (table_node && __builtin_mul_overflow(size, table_node->state_count, &size)) {

@@ -1,4 +1,7 @@
-// Values that inference gives the parents of function nodes.
+// Values that inference gives the parents of function nodes, and tables
+// generated from inference results.
+#include <functional>
+
 #include "generation_test_support.h"
 
 namespace {
@@ -86,6 +89,56 @@ TEST_F(InferenceValuesTest, FunctionNodeParentFailureStopsGeneration) {
   propagate(p, {0, 1});
   EXPECT_EQ(vel_node_generate_table(f), 0);
   EXPECT_EQ(p->state_index, -1);  // the fill resets the parent's state
+}
+
+// A change of inference results marks the tables generated from them, and
+// only those, outdated; regenerating uses the new results.
+TEST_F(InferenceValuesTest, TablesReadingInferenceResultsBecomeOutdated) {
+  vel_node_t *n = numbered("N", {0, 1, 2});
+  vel_node_t *item = interval("I", {0, 1});
+  vel_node_t *y = labeled("Y", {"a", "b"});
+  vel_node_t *level = vel_domain_new_node(domain_, vel_category_chance, vel_kind_continuous,
+                                          vel_subtype_none, "Level");
+  vel_node_t *q = numbered("Q", {0, 1, 2});
+  vel_node_t *f = interval("F", {0, 1, 2}, vel_category_function);
+  vel_node_t *v = numbered("V", {0, 1});
+  vel_node_t *d = numbered("D", {1, 2}, vel_category_function);
+  parents(q, {n});
+  parents(f, {n, item});
+  parents(v, {level});
+  parents(d, {level});
+  model(q, {}, {"quantile(N, 0.5)"});
+  model(f, {}, {"aggregate(N, I)"});
+  model(v, {}, {"variance(Level)"});
+  model(d, {}, {"if(Level > 1, 2, 1)"});
+  propagate(n, {0.25, 0.5, 0.25});
+  vel_node_set_beliefs(item, std::vector<double>{1}.data(), 1);
+  ASSERT_EQ(vel_domain_generate_tables(domain_), 0);
+  EXPECT_EQ(table(q), (std::vector<double>{0, 1, 0, 0, 1, 0, 0, 1, 0}));
+
+  vel_junction_tree_t *jt = vel_domain_get_junction_tree(domain_);
+  const double one[] = {1, 0};
+  struct Step { const char *what; std::function<void()> change; std::vector<int> outdated; };
+  const Step steps[] = {
+      {"beliefs of an unread node", [&] { vel_node_set_beliefs(y, one, 2); }, {0, 0, 0, 0}},
+      {"beliefs", [&] { vel_node_set_beliefs(n, std::vector<double>{3, 1, 0}.data(), 3); },
+       {1, 1, 0, 0}},
+      {"item beliefs", [&] { vel_node_set_beliefs(item, one, 1); }, {0, 1, 0, 0}},
+      {"evidence", [&] { vel_node_set_evidence(n, 0); }, {1, 1, 0, 0}},
+      {"mean", [&] { vel_node_set_mean_and_variance(level, 2, 1); }, {0, 0, 1, 1}},
+      {"compiled", [&] { vel_domain_set_compiled(domain_, 1); }, {1, 1, 1, 1}},
+      {"junction tree", [&] { vel_jt_set_state(jt, vel_equilibrium_sum, vel_evidence_mode_normal, 0); },
+       {1, 1, 1, 1}},
+  };
+  for (const Step &step : steps) {
+    step.change();
+    std::vector<int> outdated;
+    for (vel_node_t *node : {q, f, v, d}) outdated.push_back(node->model->tables_outdated);
+    EXPECT_EQ(outdated, step.outdated) << step.what;
+    ASSERT_EQ(vel_domain_generate_tables(domain_), 0) << step.what;
+  }
+  EXPECT_EQ(table(q), (std::vector<double>{1, 0, 0, 1, 0, 0, 1, 0, 0}));
+  EXPECT_EQ(table(d), (std::vector<double>{0, 1}));
 }
 
 }  // namespace
