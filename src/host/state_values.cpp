@@ -26,11 +26,13 @@ bool has_labels(const vel_node_t *node) {
 bool is_plus_infinite(double x) { return x >= DBL_MAX; }
 bool is_minus_infinite(double x) { return x <= -DBL_MAX; }
 
+// Strictly increasing (NaN never increases), then finite: a numbered state
+// has no infinite value.
 int numbered_verdict(const double *v, uint64_t n) {
-  for (uint64_t i = 0; i < n; ++i) {
-    if (std::isnan(v[i]) || is_plus_infinite(v[i]) || is_minus_infinite(v[i])) return 1;
-    if (i > 0 && !(v[i - 1] < v[i])) return 1;
-  }
+  for (uint64_t i = 0; i < n; ++i)
+    if (std::isnan(v[i]) || (i > 0 && !(v[i - 1] < v[i]))) return 1;
+  for (uint64_t i = 0; i < n; ++i)
+    if (is_plus_infinite(v[i]) || is_minus_infinite(v[i])) return 2;
   return 0;
 }
 

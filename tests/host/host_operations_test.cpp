@@ -58,8 +58,9 @@ TEST_F(HostOperationsTest, StateValueVerdicts) {
       {vel_subtype_numbered, {1, 3, 2}, 1, 0},
       {vel_subtype_numbered, {1, 1}, 1, 0},
       {vel_subtype_numbered, {0, nan}, 1, 0},
-      {vel_subtype_numbered, {0, inf}, 1, 0},
-      {vel_subtype_numbered, {-ieee_inf, 0}, 1, 0},
+      {vel_subtype_numbered, {0, inf}, 2, 0},
+      {vel_subtype_numbered, {-ieee_inf, 0}, 2, 0},
+      {vel_subtype_numbered, {inf, 0}, 1, 0},  // decrease wins over infinity
       {vel_subtype_interval, {0, 1, 2}, 0, 1},
       {vel_subtype_interval, {-inf, 0, inf}, 0, 1},
       {vel_subtype_interval, {-ieee_inf, 0, ieee_inf}, 0, 1},
