@@ -317,24 +317,65 @@ bool covers_support(const vel_node_t *node, const Aggregate &a) {
   return node->state_values[0] <= low && high <= node->state_values[node->state_count];
 }
 
+int aggregate_row(const vel_node_t *node, const float *count_beliefs, uint64_t count_state_count,
+                  const vel_node_t *item, double *out) {
+  Aggregate a;
+  if (int code = prepare(count_beliefs, count_state_count, item, &a)) return code;
+  if (!covers_support(node, a)) return vel_error_state_range;
+  uint64_t n = node->state_count;
+  double previous = 0.0;
+  for (uint64_t i = 0; i < n; ++i) {
+    double next = i + 1 < n ? a.below(node->state_values[i + 1]) : 1.0;
+    // Rounding may make the difference of two equal sums slightly negative.
+    out[i] = std::max(0.0, next - previous);
+    previous = next;
+  }
+  return 0;
+}
+
+// A table asks for the same sum in every row and at every sample point of
+// its interval parents: the last inputs and their outcome are kept, compared
+// by content, so each distinct sum is worked out once.
+struct LastSum {
+  std::vector<float> counts, item_beliefs;
+  std::vector<double> item_bounds, bounds, row;
+  int code = -1;  // none yet
+
+  bool holds(const float *count_beliefs, uint64_t count_state_count, const vel_node_t *item,
+             const vel_node_t *node) const {
+    auto same = [](const auto &kept, const auto *data, uint64_t size) {
+      return kept.size() == size && std::equal(kept.begin(), kept.end(), data);
+    };
+    return code >= 0 && same(counts, count_beliefs, count_state_count) &&
+           same(item_beliefs, item->belief_table->data, item->state_count) &&
+           same(item_bounds, item->state_values, item->state_count + 1) &&
+           same(bounds, node->state_values, node->state_count + 1);
+  }
+};
+
+thread_local LastSum last_sum;
+
 }  // namespace
 
 extern "C" int _vel_aggregate(const vel_node_t *node, const float *count_beliefs,
                               uint64_t count_state_count, const vel_node_t *item, double *out) {
   try {
-    Aggregate a;
-    if (int code = prepare(count_beliefs, count_state_count, item, &a)) return vel::fail(code);
-    if (!covers_support(node, a)) return vel::fail(vel_error_state_range);
-    uint64_t n = node->state_count;
-    double previous = 0.0;
-    for (uint64_t i = 0; i < n; ++i) {
-      double next = i + 1 < n ? a.below(node->state_values[i + 1]) : 1.0;
-      // Rounding may make the difference of two equal sums slightly negative.
-      out[i] = std::max(0.0, next - previous);
-      previous = next;
+    if (item->belief_table == nullptr) return vel::fail(vel_error_computation);
+    LastSum &last = last_sum;
+    if (!last.holds(count_beliefs, count_state_count, item, node)) {
+      last.code = -1;
+      last.counts.assign(count_beliefs, count_beliefs + count_state_count);
+      last.item_beliefs.assign(item->belief_table->data,
+                               item->belief_table->data + item->state_count);
+      last.item_bounds.assign(item->state_values, item->state_values + item->state_count + 1);
+      last.bounds.assign(node->state_values, node->state_values + node->state_count + 1);
+      last.row.assign(node->state_count, 0.0);
+      last.code = aggregate_row(node, count_beliefs, count_state_count, item, last.row.data());
     }
-    return vel::fail(vel_error_none);
+    if (last.code == 0) std::copy(last.row.begin(), last.row.end(), out);
+    return vel::fail(last.code);
   } catch (...) {
+    last_sum.code = -1;
     return vel::fail(vel_error_out_of_memory);
   }
 }

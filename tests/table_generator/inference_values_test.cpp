@@ -115,6 +115,7 @@ TEST_F(InferenceValuesTest, TablesReadingInferenceResultsBecomeOutdated) {
   vel_node_set_beliefs(item, std::vector<double>{1}.data(), 1);
   ASSERT_EQ(vel_domain_generate_tables(domain_), 0);
   EXPECT_EQ(table(q), (std::vector<double>{0, 1, 0, 0, 1, 0, 0, 1, 0}));
+  EXPECT_EQ(table(f), (std::vector<double>{0.875, 0.125, 0.875, 0.125, 0.875, 0.125}));
 
   vel_junction_tree_t *jt = vel_domain_get_junction_tree(domain_);
   const double one[] = {1, 0};
@@ -138,6 +139,7 @@ TEST_F(InferenceValuesTest, TablesReadingInferenceResultsBecomeOutdated) {
     ASSERT_EQ(vel_domain_generate_tables(domain_), 0) << step.what;
   }
   EXPECT_EQ(table(q), (std::vector<double>{1, 0, 0, 1, 0, 0, 1, 0, 0}));
+  EXPECT_EQ(table(f), (std::vector<double>{1, 0, 1, 0, 1, 0}));
   EXPECT_EQ(table(d), (std::vector<double>{0, 1}));
 }
 
