@@ -2,6 +2,7 @@
 // state, beliefs, evidence, means, variances, expected utilities) and the
 // configured values of nodes.
 #include <cmath>
+#include <limits>
 #include <string>
 #include <vector>
 
@@ -28,6 +29,20 @@ double read_finite(const Source &source, const Entry &entry) {
   return value;
 }
 
+// Expected utilities and their variances are kept in single precision.
+double read_utility_result(const Source &source, const Entry &entry) {
+  const double value = read_finite(source, entry);
+  if (std::fabs(value) > std::numeric_limits<float>::max())
+    source.fail(entry.value, "'" + entry.key.Scalar() + "' must be a number in single-precision range");
+  return value;
+}
+
+double read_variance(const Source &source, const Entry &entry, bool utility) {
+  const double value = utility ? read_utility_result(source, entry) : read_finite(source, entry);
+  if (value < 0.0) source.fail(entry.value, "'variance' must not be negative");
+  return value;
+}
+
 bool in_interval(double x, double lo, double hi) {
   const bool above_lo = lo <= -vel_infinity || x >= lo;
   const bool below_hi = hi >= vel_infinity || x < hi;
@@ -48,7 +63,9 @@ void set_beliefs(const Source &source, const NodeDecl &decl, const Entry &entry)
   std::vector<double> beliefs;
   for (const YAML::Node &item : entry.value) {
     const double belief = read_number(source, item, "a belief");
-    if (!(belief >= 0.0 && belief < vel_infinity)) source.fail(item, "a belief must be a non-negative number");
+    if (!(belief >= 0.0)) source.fail(item, "a belief must be a non-negative number");
+    if (belief > std::numeric_limits<float>::max())
+      source.fail(item, "a belief must be a number in single-precision range");
     beliefs.push_back(belief);
   }
   if (vel_node_set_beliefs(decl.node, beliefs.data(), count) != 0)
@@ -108,7 +125,7 @@ void set_numeric_results(const Source &source, const NodeDecl &decl) {
   const Entry variance = find(decl.map, "variance");
   const Entry expected = find(decl.map, "expected_utility");
 
-  const double variance_value = variance.present() ? read_finite(source, variance) : 0.0;
+  const double variance_value = variance.present() ? read_variance(source, variance, utility) : 0.0;
   if (mean.present() || (variance.present() && kind > 0)) {
     const double mean_value = mean.present() ? read_finite(source, mean) : 0.0;
     if (vel_node_set_mean_and_variance(decl.node, mean_value, variance_value) != 0)
@@ -116,7 +133,7 @@ void set_numeric_results(const Source &source, const NodeDecl &decl) {
                       "cannot set the mean and variance of '" + decl.name + "'");
   }
   if (expected.present() || (variance.present() && utility)) {
-    const double expected_value = expected.present() ? read_finite(source, expected) : 0.0;
+    const double expected_value = expected.present() ? read_utility_result(source, expected) : 0.0;
     if (vel_node_set_expected_utility(decl.node, expected_value, variance_value) != 0)
       library_failure(source, expected.present() ? expected : variance,
                       "cannot set the expected utility of '" + decl.name + "'");

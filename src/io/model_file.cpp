@@ -4,6 +4,7 @@
 #include <cstdio>
 #include <cstring>
 #include <memory>
+#include <vector>
 
 #include "io/loader_parts.h"
 #include "io/yaml_reading.h"
@@ -59,7 +60,10 @@ LoadedModel build(const Source &source, const YAML::Node &root) {
 LoadedModel load_model_text(const std::string &text, const std::string &file_name) {
   const Source source{file_name};
   try {
-    return build(source, YAML::Load(text));
+    const std::vector<YAML::Node> documents = YAML::LoadAll(text);
+    for (std::size_t i = 1; i < documents.size(); ++i)
+      if (!documents[i].IsNull()) source.fail(documents[i], "a model file holds one YAML document");
+    return build(source, documents.empty() ? YAML::Node() : documents[0]);
   } catch (const YAML::Exception &error) {
     // Malformed YAML, and anything else yaml-cpp refuses, at its own mark.
     source.fail(error.mark, error.msg);

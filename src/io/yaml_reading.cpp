@@ -1,7 +1,10 @@
 #include "io/yaml_reading.h"
 
+#include <cctype>
 #include <charconv>
 #include <cmath>
+#include <cstdlib>
+#include <locale.h>
 #include <limits>
 
 #include "io/model_file.h"
@@ -91,12 +94,21 @@ bool parse_number(std::string_view text, double &value) {
     return true;
   }
   // from_chars takes no leading '+' and would take "inf"/"nan" itself, both
-  // handled above; what remains must be plain decimal text in range.
+  // handled above; what remains must be plain decimal text.
   if (body.empty() || !(std::isdigit(static_cast<unsigned char>(body.front())) || body.front() == '.'))
     return false;
   double magnitude = 0.0;
   const auto [end, error] = std::from_chars(body.data(), body.data() + body.size(), magnitude);
-  if (error != std::errc() || end != body.data() + body.size()) return false;
+  if (end != body.data() + body.size()) return false;
+  if (error == std::errc::result_out_of_range) {
+    // Decimal text beyond double range: too large is infinite, too small is
+    // zero.  strtod_l tells which, in the C locale whatever the global one.
+    static const locale_t c_locale = newlocale(LC_NUMERIC_MASK, "C", locale_t{});
+    magnitude = strtod_l(std::string(body).c_str(), nullptr, c_locale);
+    if (std::isinf(magnitude)) magnitude = vel_infinity;
+  } else if (error != std::errc()) {
+    return false;
+  }
   value = negative ? -magnitude : magnitude;
   return true;
 }

@@ -44,7 +44,8 @@ bool is_null(const Entry &entry);  // absent, or present with a null value
 std::string read_text(const Source &source, const Entry &entry, std::string_view what);
 bool read_truth(const Source &source, const Entry &entry);
 // Numbers as written: decimal text, the infinities "inf"/"-inf" (also YAML's
-// ".inf"/"-.inf"), stored as +-vel_infinity, and NaN (".nan", "nan").
+// ".inf"/"-.inf") and decimal text beyond double range, stored as
+// +-vel_infinity, and NaN (".nan", "nan").
 // Throws at `at` if the scalar is no number.
 double read_number(const Source &source, const YAML::Node &at, std::string_view what);
 // An integer of at least 1 (samples per interval).

@@ -38,7 +38,7 @@ nodes:
       samples_per_interval: 3
   - name: Level
     type: numbered
-    states: [1, 2.5, -.inf]
+    states: [1, 2.5, -.inf, 1e400]
   - name: Cost
     category: utility
     parents: [Season]
@@ -60,6 +60,7 @@ TEST(Loader, BuildsNodesInFileOrderWithTheirStates) {
   EXPECT_EQ(vel_node_get_state_value(temp, 3), 1.7976931348623157e+308);
   // Infinities elsewhere are loaded as written; generation reports them.
   EXPECT_EQ(vel_node_get_state_value(node(model, "Level"), 2), -1.7976931348623157e+308);
+  EXPECT_EQ(vel_node_get_state_value(node(model, "Level"), 3), 1.7976931348623157e+308);
   EXPECT_EQ(vel_node_get_category(node(model, "Cost")), vel_category_utility);
   EXPECT_EQ(vel_node_get_kind(node(model, "Cost")), vel_kind_stateless);
 }
