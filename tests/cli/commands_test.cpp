@@ -29,6 +29,7 @@ TEST(Arguments, EveryArgumentErrorExitsWithTwo) {
   for (const auto &arguments : cases) {
     const auto run = run_vel(arguments);
     EXPECT_EQ(run.status, 2) << testing::PrintToString(arguments);
+    EXPECT_EQ(run.out, "") << testing::PrintToString(arguments);
     EXPECT_NE(run.err, "") << testing::PrintToString(arguments);
   }
 }
@@ -69,7 +70,7 @@ nodes:
 )");
   const auto run = run_vel({"check", file});
   EXPECT_EQ(run.status, 1);
-  EXPECT_EQ(run.err, file + ": node Dose: the state values do not form an increasing sequence\n");
+  EXPECT_EQ(run.err, file + ": The state values of node Dose do not form an increasing sequence.\n");
 }
 
 TEST(Evaluate, NodeThatIsNoFunctionNodeOrNoNodeAtAll) {

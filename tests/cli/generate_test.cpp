@@ -56,6 +56,11 @@ TEST(Generate, UnknownNodeIsAUsageErrorBeforeAnythingIsGenerated) {
   EXPECT_EQ(run.status, 2);
   EXPECT_EQ(run.out, "");
   EXPECT_EQ(run.err, "vel: " + file + ": no node named 'Nope'\n");
+  // An empty log path is a path that cannot be opened, not the default view.
+  const auto empty_log = run_vel({"generate", file, "--log", ""});
+  EXPECT_EQ(empty_log.status, 2);
+  EXPECT_EQ(empty_log.out, "");
+  EXPECT_EQ(empty_log.err, "vel: cannot open log file '': No such file or directory\n");
 }
 
 TEST(Generate, RealValuedFunctionNodeHasNoTable) {

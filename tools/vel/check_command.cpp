@@ -30,8 +30,9 @@ void report(void *context, int kind, vel_node_t *node, std::size_t index) {
       std::fprintf(stderr, "%s: node %s: expression at index %zu does not fit the node\n", file, name, index);
       break;
     case vel_check_state_values:
+      // The generator's own message for the verdict, after the file name.
       if (check.state_value_nodes->insert(node).second)
-        std::fprintf(stderr, "%s: node %s: the state values %s\n", file, name,
+        std::fprintf(stderr, "%s: The state values of node %s %s.\n", file, name,
                      index == 1 ? "do not form an increasing sequence" : "use infinite values incorrectly");
       break;
     default:

@@ -11,7 +11,8 @@ struct GenerateOptions {
   std::string file;
   std::vector<std::string> nodes;
   std::string format = "text";
-  std::string log;  // a path, "-" for standard error, "" for the default view
+  bool log_given = false;  // --log: `log` is a path, or "-" for standard error
+  std::string log;
   bool no_log = false;
   bool stats = false;
 };

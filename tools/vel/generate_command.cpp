@@ -69,14 +69,15 @@ int run_generate(const GenerateOptions &options) {
   // default view of its first lines.
   std::unique_ptr<std::FILE, FileCloser> log_file;
   std::optional<LogView> view;
-  if (!options.no_log && !options.log.empty() && options.log != "-") {
+  const bool to_stderr = options.log_given && options.log == "-";
+  if (!options.no_log && options.log_given && !to_stderr) {
     log_file.reset(std::fopen(options.log.c_str(), "w"));
     if (!log_file) {
-      std::fprintf(stderr, "vel: cannot open log file %s: %s\n", options.log.c_str(), std::strerror(errno));
+      std::fprintf(stderr, "vel: cannot open log file '%s': %s\n", options.log.c_str(), std::strerror(errno));
       return 2;
     }
   } else if (!options.no_log) {
-    view.emplace(stderr, options.log == "-" ? LogView::all_lines : shown_log_lines);
+    view.emplace(stderr, to_stderr ? LogView::all_lines : shown_log_lines);
   }
   std::FILE *log = log_file ? log_file.get() : view ? view->stream() : nullptr;
   vel_domain_set_log_file(domain, log);

@@ -1,6 +1,9 @@
 // vel: generate, check and evaluate the models of a model file.
 #include <CLI/CLI.hpp>
 
+#include <cstdio>
+#include <exception>
+
 #include "commands.h"
 #include "version.h"
 
@@ -45,7 +48,16 @@ int main(int argc, char **argv) {
     return app.exit(error) == 0 ? 0 : 2;
   }
 
-  if (*generate_command) return run_generate(generate);
-  if (*check_command) return run_check(check_file);
-  return run_evaluate(evaluate);
+  try {
+    if (*generate_command) {
+      generate.log_given = log->count() > 0;
+      return run_generate(generate);
+    }
+    if (*check_command) return run_check(check_file);
+    return run_evaluate(evaluate);
+  } catch (const std::exception &error) {
+    // Running out of memory, say: a message rather than an abort.
+    std::fprintf(stderr, "vel: %s\n", error.what());
+    return 2;
+  }
 }
