@@ -586,6 +586,11 @@ def beta_ratio_points():
             x = mean + kdev * sd
             if 0 < x < 1:
                 pts.append((a, b, x))
+    # Routes the grids above miss: bup and bup again before bgrat (a0 <= 15,
+    # x0 > 0.7 without a swap), and apser with psi's small-argument form
+    # (b <= 1e-9) and with the logarithm of b x (b eps > 0.02).
+    pts += [(12.0, 3.0, 0.75), (14.0, 2.5, 0.8), (1e-30, 1e-10, 0.5), (1e-30, 1e-10, 0.1),
+            (1e-20, 1e14, 1e-15)]
     return pts
 
 
