@@ -37,23 +37,6 @@ class BuilderTest : public ::testing::Test {
   vel_domain_t *domain_ = nullptr;
 };
 
-// Fields the table generator relies on: no state, no evidence, invalid
-// function values, the domain's junction tree; the node list in creation order.
-TEST_F(BuilderTest, NewNodes) {
-  vel_node_t *a = discrete("A", vel_subtype_boolean, 2);
-  vel_node_t *odd = vel_domain_new_node(domain_, 42, 0, vel_subtype_labeled, "_odd_1");
-  ASSERT_NE(odd, nullptr) << "an unusual category is a chance node";
-  EXPECT_EQ(vel_node_get_next(a), odd);
-  EXPECT_EQ(vel_domain_get_node_by_name(domain_, "_odd_1"), odd);
-  EXPECT_EQ(a->state_index, -1);
-  EXPECT_EQ(a->function_status[0], -1);
-  EXPECT_EQ(a->function_status[1], -1);
-  EXPECT_EQ(a->evidence.state, -1);
-  EXPECT_EQ(a->configured_state, -1);
-  EXPECT_EQ(a->junction_tree->domain, domain_);
-  EXPECT_STREQ(vel_node_get_state_label(a, 1), "true");
-}
-
 // Every refusal is a usage error and leaves the records as they were.
 TEST_F(BuilderTest, Refusals) {
   vel_node_t *a = discrete("A", vel_subtype_labeled, 2);

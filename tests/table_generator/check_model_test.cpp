@@ -21,14 +21,12 @@ class CheckModelTest : public gentest::GenerationTest {
   std::vector<Report> reports;
 };
 
-TEST_F(CheckModelTest, UsageErrors) {
-  EXPECT_EQ(check(nullptr), vel_error_usage);
-  EXPECT_EQ(check(labeled("X", {"a"})), vel_error_usage);
-}
-
-TEST_F(CheckModelTest, UnspecifiedModelReportsEveryIndex) {
+// Without a model: a usage error; unspecified: every index is missing.
+TEST_F(CheckModelTest, UsageErrorsAndUnspecifiedModel) {
   vel_node_t *p = labeled("P", {"a", "b", "c"});
   vel_node_t *x = labeled("X", {"a"});
+  EXPECT_EQ(check(nullptr), vel_error_usage);
+  EXPECT_EQ(check(x), vel_error_usage);
   parents(x, {p});
   vel_node_t *model_nodes[] = {p, nullptr};
   vel_node_new_model(x, model_nodes);
