@@ -34,7 +34,9 @@ struct PrintError {
   const char *message;
 };
 
-bool is_comparison(uint32_t code) { return code >= vel_op_equals && code <= vel_op_greater_or_equal; }
+bool is_comparison(uint32_t code) {
+  return code >= vel_op_equals && code <= vel_op_greater_or_equal;
+}
 
 bool is_negative_number(const vel_expression_t *expression) {
   return expression->operator_ == vel_op_number && std::signbit(expression->number);
