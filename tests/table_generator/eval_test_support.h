@@ -1,10 +1,10 @@
-// Helpers for the expression tests: a domain with nodes built through the
-// public builder, and terse constructors for expression trees.
+// Helpers for the expression tests: a domain whose nodes, built through the
+// public builder, are all parents of one function node, so that expressions
+// over them come from the real parser.
 #pragma once
 
 #include <gtest/gtest.h>
 
-#include <initializer_list>
 #include <memory>
 #include <vector>
 
@@ -20,15 +20,6 @@ struct ExpressionDeleter {
 // The root of a tree owned by a test.
 using Expr = std::unique_ptr<vel_expression_t, ExpressionDeleter>;
 
-vel_expression_t *num(double value);
-vel_expression_t *label(const char *text);
-vel_expression_t *truth(int value);
-vel_expression_t *ref(vel_node_t *node);
-// Operator over freshly built arguments; on refusal the arguments are freed
-// and the test fails.
-vel_expression_t *op(int code, std::initializer_list<vel_expression_t *> arguments);
-vel_expression_t *normal();  // Normal(0, 1)
-
 // Bitwise-faithful comparison of doubles: NaN equals NaN, -0 differs from +0.
 bool same_double(double a, double b);
 
@@ -37,13 +28,25 @@ class ExpressionTest : public ::testing::Test {
   ExpressionTest();
   ~ExpressionTest() override;
 
+  // Parents of child_; discrete ones get `states` states (booleans have two).
+  vel_node_t *parent(const char *name, int category, int kind, int subtype, size_t states = 0);
+  // Discrete parents whose states carry these values or labels.
   vel_node_t *numbered(const char *name, const std::vector<double> &values);
-  vel_node_t *interval(const char *name, const std::vector<double> &bounds);
   vel_node_t *labeled(const char *name, const std::vector<const char *> &labels);
-  vel_node_t *boolean(const char *name);
-  vel_node_t *continuous(const char *name);
-  vel_node_t *utility(const char *name);
-  vel_node_t *real_function(const char *name);
+  vel_node_t *interval(const char *name, size_t states) {
+    return parent(name, vel_category_chance, vel_kind_discrete, vel_subtype_interval, states);
+  }
+  vel_node_t *boolean(const char *name) {
+    return parent(name, vel_category_chance, vel_kind_discrete, vel_subtype_boolean);
+  }
+  vel_node_t *continuous(const char *name) {
+    return parent(name, vel_category_chance, vel_kind_continuous, vel_subtype_none);
+  }
+
+  // `text` over the nodes made so far; the test fails on a syntax error.
+  Expr parse(const char *text);
+  // The same, typed in `mode`, as before every evaluation.
+  Expr typed(const char *text, uint32_t mode = 1);
 
   // Through a successful host call: in sanitized position-independent
   // executables, direct access to the thread-local code is misreported.
@@ -53,6 +56,7 @@ class ExpressionTest : public ::testing::Test {
   void propagate(vel_node_t *node, const std::vector<double> &beliefs);
 
   vel_domain_t *domain_;
+  vel_node_t *child_;  // the node whose parents the expressions refer to
 };
 
 }  // namespace evaltest

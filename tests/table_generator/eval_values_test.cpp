@@ -2,98 +2,61 @@
 // accept a plain value or a distribution.
 #include <gtest/gtest.h>
 
-#include <cstring>
 #include <limits>
+#include <string>
 
 #include "eval_test_support.h"
 
 namespace evaltest {
 namespace {
 
-constexpr double kNaN = std::numeric_limits<double>::quiet_NaN();
-
-struct Nodes {
-  vel_node_t *boolean, *labeled, *numbered, *x;
-};
-
 class ValuesTest : public ExpressionTest {
  protected:
-  ValuesTest() {
-    n_.boolean = boolean("B");
-    n_.labeled = labeled("L", {"a", "b", "c"});
-    n_.numbered = numbered("N", {1, 2, 3});
-    n_.x = continuous("X");
-  }
-  // Typed in mode 1, as before every evaluation.
-  Expr typed(vel_expression_t *e, uint32_t mode = 1) {
-    Expr owned(e);
-    EXPECT_NE(_vel_assign_types(owned.get(), mode), 0);
-    return owned;
-  }
-  Nodes n_;
+  ValuesTest()
+      : b_(boolean("B")),
+        d_(boolean("D")),
+        l_(labeled("L", {"a", "b", "c"})),
+        n_(numbered("N", {1, 2, 3})),
+        x_(continuous("X")) {}
+  vel_node_t *b_, *d_, *l_, *n_, *x_;
 };
-
-vel_expression_t *bad_number() { return op(vel_op_log, {num(0)}); }
-vel_expression_t *bad_boolean() { return op(vel_op_less_than, {bad_number(), num(1)}); }
 
 struct BooleanCase {
   const char *text;
-  vel_expression_t *(*make)(const Nodes &);
   int expected;  // -1: failure with `code`
   int code;
 };
 
-// B is in state 1 (true), L in state 1 ("b"), N has no state, X is NaN.
+// B is in state 1 (true), L in state 1 ("b"), D and N have no state, X is
+// NaN; log(0) < 1 fails with 37.
 const BooleanCase kBooleanCases[] = {
-    {"true", [](const Nodes &) { return truth(1); }, 1, 0},
-    {"B", [](const Nodes &n) { return ref(n.boolean); }, 1, 0},
-    {"not(state_index(L) == 1)", [](const Nodes &n) { return op(vel_op_not, {op(vel_op_equals, {op(vel_op_state_index_of, {ref(n.labeled)}), num(1)})}); }, 0, 0},
-    {"B == true", [](const Nodes &n) { return op(vel_op_equals, {ref(n.boolean), truth(1)}); }, 1, 0},
-    {"B != true", [](const Nodes &n) { return op(vel_op_not_equals, {ref(n.boolean), truth(1)}); }, 0, 0},
-    {"L == \"b\"", [](const Nodes &n) { return op(vel_op_equals, {ref(n.labeled), label("b")}); }, 1, 0},
-    {"\"abc\" == \"abc\"", [](const Nodes &) { return op(vel_op_equals, {label("abc"), label("abc")}); }, 1, 0},
-    {"\"abc\" != \"abd\"", [](const Nodes &) { return op(vel_op_not_equals, {label("abc"), label("abd")}); }, 1, 0},
-    {"1 == 1", [](const Nodes &) { return op(vel_op_equals, {num(1), num(1)}); }, 1, 0},
-    {"X == X (NaN)", [](const Nodes &n) { return op(vel_op_equals, {ref(n.x), ref(n.x)}); }, 0, 0},
-    {"X != X (NaN)", [](const Nodes &n) { return op(vel_op_not_equals, {ref(n.x), ref(n.x)}); }, 1, 0},
-    {"X < 1", [](const Nodes &n) { return op(vel_op_less_than, {ref(n.x), num(1)}); }, 0, 0},
-    {"X > 1", [](const Nodes &n) { return op(vel_op_greater_than, {ref(n.x), num(1)}); }, 0, 0},
-    {"X <= 1", [](const Nodes &n) { return op(vel_op_less_or_equal, {ref(n.x), num(1)}); }, 0, 0},
-    {"X >= 1", [](const Nodes &n) { return op(vel_op_greater_or_equal, {ref(n.x), num(1)}); }, 0, 0},
-    {"1 <= 1", [](const Nodes &) { return op(vel_op_less_or_equal, {num(1), num(1)}); }, 1, 0},
-    {"2 >= 3", [](const Nodes &) { return op(vel_op_greater_or_equal, {num(2), num(3)}); }, 0, 0},
-    {"1 < 2", [](const Nodes &) { return op(vel_op_less_than, {num(1), num(2)}); }, 1, 0},
-    {"2 > 1", [](const Nodes &) { return op(vel_op_greater_than, {num(2), num(1)}); }, 1, 0},
+    {"true", 1, 0}, {"B", 1, 0}, {"not(state_index(L) == 1)", 0, 0}, {"B == true", 1, 0},
+    {"B != true", 0, 0}, {"L == \"b\"", 1, 0},
+    // Labels compare by text, never by record.
+    {"\"abc\" == \"abc\"", 1, 0}, {"\"abc\" != \"abd\"", 1, 0}, {"1 == 1", 1, 0},
+    {"X == X", 0, 0}, {"X != X", 1, 0}, {"X < 1", 0, 0}, {"X > 1", 0, 0}, {"X <= 1", 0, 0},
+    {"X >= 1", 0, 0}, {"1 <= 1", 1, 0}, {"2 >= 3", 0, 0}, {"1 < 2", 1, 0}, {"2 > 1", 1, 0},
     // Laziness: the erroneous argument is never reached.
-    {"and(false, bad)", [](const Nodes &) { return op(vel_op_and, {truth(0), bad_boolean()}); }, 0, 0},
-    {"or(true, bad)", [](const Nodes &) { return op(vel_op_or, {truth(1), bad_boolean()}); }, 1, 0},
-    {"if(true, true, bad)", [](const Nodes &) { return op(vel_op_if, {truth(1), truth(1), bad_boolean()}); }, 1, 0},
-    {"and()", [](const Nodes &) { return op(vel_op_and, {}); }, 1, 0},
-    {"or()", [](const Nodes &) { return op(vel_op_or, {}); }, 0, 0},
-    {"and(true, true, false)", [](const Nodes &) { return op(vel_op_and, {truth(1), truth(1), truth(0)}); }, 0, 0},
-    {"or(false, false, true)", [](const Nodes &) { return op(vel_op_or, {truth(0), truth(0), truth(1)}); }, 1, 0},
-    {"not(false)", [](const Nodes &) { return op(vel_op_not, {truth(0)}); }, 1, 0},
+    {"and(false, log(0) < 1)", 0, 0}, {"or(true, log(0) < 1)", 1, 0},
+    {"if(true, true, log(0) < 1)", 1, 0}, {"and()", 1, 0}, {"or()", 0, 0},
+    {"and(true, true, false)", 0, 0}, {"or(false, false, true)", 1, 0},
     // Failures keep the inner code.
-    {"and(true, bad)", [](const Nodes &) { return op(vel_op_and, {truth(1), bad_boolean()}); }, -1, 37},
-    {"or(false, bad)", [](const Nodes &) { return op(vel_op_or, {truth(0), bad_boolean()}); }, -1, 37},
-    {"not(bad)", [](const Nodes &) { return op(vel_op_not, {bad_boolean()}); }, -1, 37},
-    {"if(bad, true, true)", [](const Nodes &) { return op(vel_op_if, {bad_boolean(), truth(1), truth(1)}); }, -1, 37},
-    {"bad < 1 / 0", [](const Nodes &) { return op(vel_op_less_than, {bad_number(), op(vel_op_divide, {num(1), num(0)})}); }, -1, 37},
-    {"1 == 1 / 0", [](const Nodes &) { return op(vel_op_equals, {num(1), op(vel_op_divide, {num(1), num(0)})}); }, -1, 36},
-    {"N == 1 (no state)", [](const Nodes &n) { return op(vel_op_equals, {op(vel_op_state_index_of, {ref(n.numbered)}), num(1)}); }, -1, 38},
-    {"\"a\" == if(true, L, \"a\")", [](const Nodes &n) { return op(vel_op_equals, {label("a"), op(vel_op_if, {truth(1), ref(n.labeled), label("a")})}); }, 0, 0},
-    {"1", [](const Nodes &) { return num(1); }, -1, 47},
-    {"Normal", [](const Nodes &) { return normal(); }, -1, 47},
-    {"1 + 1", [](const Nodes &) { return op(vel_op_add, {num(1), num(1)}); }, -1, 47},
+    {"and(true, log(0) < 1)", -1, 37}, {"or(false, log(0) < 1)", -1, 37},
+    {"not(log(0) < 1)", -1, 37}, {"if(log(0) < 1, true, true)", -1, 37},
+    {"log(0) < 1 / 0", -1, 37}, {"1 == 1 / 0", -1, 36}, {"state_index(N) == 1", -1, 38},
+    {"D", -1, 38},
+    {"\"a\" == if(true, L, \"a\")", 0, 0}, {"1", -1, 47}, {"Normal(0, 1)", -1, 47},
+    {"1 + 1", -1, 47},
 };
 
 TEST_F(ValuesTest, BooleanEvaluation) {
-  n_.boolean->state_index = 1;
-  n_.labeled->state_index = 1;
-  n_.numbered->state_index = -1;
-  n_.x->value = kNaN;
+  b_->state_index = 1;
+  l_->state_index = 1;
+  d_->state_index = -1;
+  n_->state_index = -1;
+  x_->value = std::numeric_limits<double>::quiet_NaN();
   for (const BooleanCase &c : kBooleanCases) {
-    Expr e = typed(c.make(n_));
+    Expr e = typed(c.text);
     clear_error_code();
     const int result = eval_boolean_expr(e.get());
     if (c.expected < 0) {
@@ -105,41 +68,11 @@ TEST_F(ValuesTest, BooleanEvaluation) {
   }
 }
 
-TEST_F(ValuesTest, NodeWithoutStateFailsWithComputationError) {
-  Expr b(ref(n_.boolean));
-  Expr l(ref(n_.labeled));
-  n_.boolean->state_index = -1;
-  n_.labeled->state_index = -1;
-  EXPECT_EQ(eval_boolean_expr(b.get()), -1);
-  EXPECT_EQ(vel_error_code(), vel_error_computation);
-  clear_error_code();
-  EXPECT_EQ(eval_label_expr(l.get()), nullptr);
-  EXPECT_EQ(vel_error_code(), vel_error_computation);
-  n_.boolean->state_index = 0;
-  EXPECT_EQ(eval_boolean_expr(b.get()), 0);
-}
-
-TEST_F(ValuesTest, EqualityOverUntypedReferenceIsUnsupported) {
-  Expr e = typed(op(vel_op_equals, {ref(n_.labeled), label("a")}), 0);
-  n_.labeled->state_index = 0;
+// An equality still typed "any" (mode 0) cannot be evaluated.
+TEST_F(ValuesTest, UntypedEqualityIsUnsupported) {
+  l_->state_index = 0;
+  Expr e = typed("L == \"a\"", 0);
   EXPECT_EQ(eval_boolean_expr(e.get()), -1);
-  EXPECT_EQ(vel_error_code(), vel_error_unsupported);
-}
-
-TEST_F(ValuesTest, LabelEvaluation) {
-  n_.labeled->state_index = 2;
-  Expr node_label(ref(n_.labeled));
-  EXPECT_STREQ(eval_label_expr(node_label.get()), "c");
-  Expr constant(label("text"));
-  EXPECT_EQ(eval_label_expr(constant.get()), constant->label);  // no copy
-  Expr chosen = typed(op(vel_op_if, {truth(0), op(vel_op_if, {bad_boolean(), label("x"), label("y")}),
-                                     ref(n_.labeled)}));
-  EXPECT_STREQ(eval_label_expr(chosen.get()), "c");
-  Expr failing = typed(op(vel_op_if, {bad_boolean(), label("a"), label("b")}));
-  EXPECT_EQ(eval_label_expr(failing.get()), nullptr);
-  EXPECT_EQ(vel_error_code(), vel_error_invalid_argument);
-  Expr number(num(1));
-  EXPECT_EQ(eval_label_expr(number.get()), nullptr);
   EXPECT_EQ(vel_error_code(), vel_error_unsupported);
 }
 
@@ -149,140 +82,102 @@ class DistributionTest : public ValuesTest {
   double upper_ = vel_infinity;
 };
 
-TEST_F(DistributionTest, NestedTruncationsIntersect) {
-  Expr e = typed(op(vel_op_truncate,
-                    {num(0), op(vel_op_truncate, {num(2), normal(), num(20)}), num(10)}));
-  const vel_expression_t *inner = e->arguments[1]->arguments[1];
-  EXPECT_EQ(eval_distribution_expr(e.get(), &lower_, &upper_), inner);
-  EXPECT_EQ(lower_, 2);
-  EXPECT_EQ(upper_, 10);
+TEST_F(DistributionTest, TruncationsIntersect) {
+  struct Case {
+    const char *text;
+    double lower, upper;
+  };
+  // X is NaN: a NaN bound changes nothing.
+  const Case cases[] = {
+      {"truncate(0, truncate(2, Normal(0, 1), 20), 10)", 2, 10},
+      {"truncate(Normal(0, 1), 5)", -vel_infinity, 5},
+      {"truncate(1, Normal(0, 1))", 1, vel_infinity},
+      {"truncate(X, truncate(Normal(0, 1), X))", -vel_infinity, vel_infinity},
+      {"if(false, truncate(log(0), Normal(0, 1)), truncate(Normal(0, 1), 3))", -vel_infinity, 3},
+  };
+  x_->value = std::numeric_limits<double>::quiet_NaN();
+  for (const Case &c : cases) {
+    Expr e = typed(c.text);
+    lower_ = -vel_infinity;
+    upper_ = vel_infinity;
+    const vel_expression_t *found = eval_distribution_expr(e.get(), &lower_, &upper_);
+    ASSERT_NE(found, nullptr) << c.text;
+    EXPECT_EQ(found->operator_, static_cast<uint32_t>(vel_op_Normal)) << c.text;
+    EXPECT_EQ(lower_, c.lower) << c.text;
+    EXPECT_EQ(upper_, c.upper) << c.text;
+  }
+  for (const char *text :
+       {"truncate(Normal(0, 1), log(-1))", "if(log(0) < 1, Normal(0, 1), Normal(0, 1))"}) {
+    Expr e = typed(text);
+    EXPECT_EQ(eval_distribution_expr(e.get(), &lower_, &upper_), nullptr) << text;
+    EXPECT_EQ(vel_error_code(), vel_error_invalid_argument) << text;
+  }
 }
 
-TEST_F(DistributionTest, TruncationForms) {
-  Expr upper_only = typed(op(vel_op_truncate, {normal(), num(5)}));
-  EXPECT_EQ(eval_distribution_expr(upper_only.get(), &lower_, &upper_),
-            upper_only->arguments[0]);
-  EXPECT_EQ(lower_, -vel_infinity);
-  EXPECT_EQ(upper_, 5);
-
-  lower_ = -vel_infinity;
-  upper_ = vel_infinity;
-  Expr lower_only = typed(op(vel_op_truncate, {num(1), normal()}));
-  EXPECT_EQ(eval_distribution_expr(lower_only.get(), &lower_, &upper_),
-            lower_only->arguments[1]);
-  EXPECT_EQ(lower_, 1);
-  EXPECT_EQ(upper_, vel_infinity);
-
-  n_.x->value = kNaN;
-  Expr nan_bounds = typed(op(vel_op_truncate, {ref(n_.x), normal(), ref(n_.x)}));
-  EXPECT_NE(eval_distribution_expr(nan_bounds.get(), &lower_, &upper_), nullptr);
-  EXPECT_EQ(lower_, 1);
-  EXPECT_EQ(upper_, vel_infinity);
-
-  Expr failing = typed(op(vel_op_truncate, {normal(), op(vel_op_log, {num(-1)})}));
-  EXPECT_EQ(eval_distribution_expr(failing.get(), &lower_, &upper_), nullptr);
-  EXPECT_EQ(vel_error_code(), vel_error_invalid_argument);
-}
-
-TEST_F(DistributionTest, ConditionalChoosesOneBranchOnly) {
-  Expr e = typed(op(vel_op_if, {truth(0), op(vel_op_truncate, {bad_number(), normal()}),
-                                op(vel_op_truncate, {normal(), num(3)})}));
-  const vel_expression_t *chosen = e->arguments[2]->arguments[0];
-  EXPECT_EQ(eval_distribution_expr(e.get(), &lower_, &upper_), chosen);
-  EXPECT_EQ(upper_, 3);
-  Expr failing = typed(op(vel_op_if, {bad_boolean(), normal(), normal()}));
-  EXPECT_EQ(eval_distribution_expr(failing.get(), &lower_, &upper_), nullptr);
-  EXPECT_EQ(vel_error_code(), vel_error_invalid_argument);
-}
-
-// A sentinel slot value that every outcome must overwrite or keep visibly.
-const vel_expression_t *const kUnset = reinterpret_cast<const vel_expression_t *>(&kNaN);
-
-TEST_F(DistributionTest, NumericOrDistribution) {
-  Expr mixed = typed(op(vel_op_if, {ref(n_.boolean), normal(), num(3)}));
-  ASSERT_EQ(mixed->type, static_cast<uint32_t>(vel_type_distribution_or_number));
-  const vel_expression_t *slot = kUnset;
-  double value = -1;
-  n_.boolean->state_index = 0;
-  EXPECT_EQ(eval_distribution_or_numeric_expr(mixed.get(), &value, &slot, &lower_, &upper_), 0);
-  EXPECT_EQ(slot, nullptr);
-  EXPECT_EQ(value, 3);
-  value = -1;
-  n_.boolean->state_index = 1;
-  EXPECT_EQ(eval_distribution_or_numeric_expr(mixed.get(), &value, &slot, &lower_, &upper_), 0);
-  EXPECT_EQ(slot, mixed->arguments[1]);
-  EXPECT_EQ(value, -1);
-  n_.boolean->state_index = -1;
-  EXPECT_EQ(eval_distribution_or_numeric_expr(mixed.get(), &value, &slot, &lower_, &upper_),
-            vel_error_computation);
-  Expr failing_number(op(vel_op_divide, {num(1), num(0)}));
-  EXPECT_EQ(eval_distribution_or_numeric_expr(failing_number.get(), &value, &slot, &lower_,
-                                              &upper_),
-            vel_error_division_by_zero);
-  Expr a_label(label("a"));
-  EXPECT_EQ(eval_distribution_or_numeric_expr(a_label.get(), &value, &slot, &lower_, &upper_),
-            vel_error_unsupported);
-}
-
-TEST_F(DistributionTest, LabelOrDistribution) {
-  Expr mixed = typed(op(vel_op_if, {ref(n_.boolean), op(vel_op_truncate, {normal(), num(4)}),
-                                    ref(n_.labeled)}));
-  ASSERT_EQ(mixed->type, static_cast<uint32_t>(vel_type_distribution_or_label));
-  const vel_expression_t *slot = kUnset;
-  const char *value = nullptr;
-  n_.boolean->state_index = 0;
-  n_.labeled->state_index = 1;
-  EXPECT_EQ(eval_distribution_or_label_expr(mixed.get(), &value, &slot, &lower_, &upper_), 0);
-  EXPECT_EQ(slot, nullptr);
-  EXPECT_STREQ(value, "b");
-  n_.boolean->state_index = 1;
-  EXPECT_EQ(eval_distribution_or_label_expr(mixed.get(), &value, &slot, &lower_, &upper_), 0);
-  EXPECT_EQ(slot, mixed->arguments[1]->arguments[0]);
-  EXPECT_EQ(upper_, 4);
-  n_.boolean->state_index = 0;
-  n_.labeled->state_index = -1;
-  EXPECT_EQ(eval_distribution_or_label_expr(mixed.get(), &value, &slot, &lower_, &upper_),
-            vel_error_computation);
-  Expr a_number(num(1));
-  EXPECT_EQ(eval_distribution_or_label_expr(a_number.get(), &value, &slot, &lower_, &upper_),
-            vel_error_unsupported);
-}
-
-TEST_F(DistributionTest, BooleanOrDistribution) {
-  Expr mixed = typed(op(vel_op_if, {op(vel_op_equals, {ref(n_.labeled), label("a")}), normal(),
-                                    op(vel_op_not, {ref(n_.boolean)})}));
-  ASSERT_EQ(mixed->type, static_cast<uint32_t>(vel_type_distribution_or_boolean));
-  const vel_expression_t *slot = kUnset;
-  int value = -5;
-  n_.labeled->state_index = 1;
-  n_.boolean->state_index = 1;
-  EXPECT_EQ(eval_distribution_or_boolean_expr(mixed.get(), &value, &slot, &lower_, &upper_), 0);
-  EXPECT_EQ(slot, nullptr);
-  EXPECT_EQ(value, 0);
-  n_.labeled->state_index = 0;
-  value = -5;
-  EXPECT_EQ(eval_distribution_or_boolean_expr(mixed.get(), &value, &slot, &lower_, &upper_), 0);
-  EXPECT_EQ(slot, mixed->arguments[1]);
-  EXPECT_EQ(value, -5);
-  n_.labeled->state_index = 1;
-  n_.boolean->state_index = -1;
-  EXPECT_EQ(eval_distribution_or_boolean_expr(mixed.get(), &value, &slot, &lower_, &upper_),
-            vel_error_computation);
-}
-
-TEST_F(DistributionTest, DistributionOrAnyIsRefusedByAllEntryPoints) {
-  Expr e = typed(op(vel_op_if, {truth(1), normal(), ref(n_.numbered)}), 0);
-  ASSERT_EQ(e->type, static_cast<uint32_t>(vel_type_distribution_or_any));
-  const vel_expression_t *slot = nullptr;
-  double number = 0;
+// Runs the entry point for `kind` ('n' number, 'l' label, 'b' boolean) and
+// shows the plain value it produced ("" when it produced none).
+int evaluate_mixed(char kind, const vel_expression_t *e, const vel_expression_t **slot,
+                   std::string *shown, double *lower, double *upper) {
+  double number = -1;
   const char *text = nullptr;
-  int truth_value = 0;
-  EXPECT_EQ(eval_distribution_or_numeric_expr(e.get(), &number, &slot, &lower_, &upper_),
-            vel_error_unsupported);
-  EXPECT_EQ(eval_distribution_or_label_expr(e.get(), &text, &slot, &lower_, &upper_),
-            vel_error_unsupported);
-  EXPECT_EQ(eval_distribution_or_boolean_expr(e.get(), &truth_value, &slot, &lower_, &upper_),
-            vel_error_unsupported);
+  int truth = -5;
+  int code;
+  if (kind == 'n') {
+    code = eval_distribution_or_numeric_expr(e, &number, slot, lower, upper);
+    if (number != -1) *shown = std::to_string(static_cast<int>(number));
+  } else if (kind == 'l') {
+    code = eval_distribution_or_label_expr(e, &text, slot, lower, upper);
+    if (text) *shown = text;
+  } else {
+    code = eval_distribution_or_boolean_expr(e, &truth, slot, lower, upper);
+    if (truth != -5) *shown = std::to_string(truth);
+  }
+  return code;
+}
+
+// A plain value leaves the slot NULL; a distribution fills it, unwrapped,
+// and leaves the value alone; a type the entry point does not take (9
+// included) is refused.
+TEST_F(DistributionTest, EntryPointsForPlainValueOrDistribution) {
+  const char *const number = "if(B, Normal(0, 1), 3)";
+  const char *const text = "if(B, truncate(Normal(0, 1), 4), L)";
+  const char *const truth = "if(L == \"a\", Normal(0, 1), not(B))";
+  const char *const any = "if(true, Normal(0, 1), N)";
+  const struct {
+    char kind;
+    const char *text;
+    int b, l;  // states of B and L
+    int code;
+    bool distribution;
+    const char *shown;
+  } cases[] = {
+      {'n', number, 0, 0, 0, false, "3"}, {'n', number, 1, 0, 0, true, ""},
+      {'n', number, -1, 0, 38, false, ""}, {'n', "1 / 0", 0, 0, 36, false, ""},
+      {'n', "\"a\"", 0, 0, 47, false, ""}, {'n', any, 0, 0, 47, false, ""},
+      {'l', text, 0, 1, 0, false, "b"}, {'l', text, 1, 1, 0, true, ""},
+      {'l', text, 0, -1, 38, false, ""}, {'l', "1", 0, 0, 47, false, ""},
+      {'l', "if(false, if(log(0) < 1, \"x\", \"y\"), L)", 0, 2, 0, false, "c"},
+      {'l', "if(log(0) < 1, \"a\", \"b\")", 0, 0, 37, false, ""},
+      {'l', any, 0, 0, 47, false, ""}, {'b', truth, 1, 1, 0, false, "0"},
+      {'b', truth, 1, 0, 0, true, ""}, {'b', truth, -1, 1, 38, false, ""},
+      {'b', "1", 0, 0, 47, false, ""}, {'b', any, 0, 0, 47, false, ""},
+  };
+  for (const auto &c : cases) {
+    Expr e = typed(c.text, c.text == any ? 0 : 1);
+    b_->state_index = c.b;
+    l_->state_index = c.l;
+    lower_ = -vel_infinity;
+    upper_ = vel_infinity;
+    const vel_expression_t *slot = e.get();  // every success overwrites it
+    std::string shown;
+    EXPECT_EQ(evaluate_mixed(c.kind, e.get(), &slot, &shown, &lower_, &upper_), c.code)
+        << c.kind << " " << c.text << " B " << c.b << " L " << c.l;
+    if (c.code != 0) continue;
+    EXPECT_EQ(shown, c.shown) << c.kind << " " << c.text;
+    EXPECT_EQ(slot && slot->operator_ == vel_op_Normal, c.distribution) << c.text;
+    EXPECT_EQ(slot == nullptr, !c.distribution) << c.text;
+    EXPECT_EQ(upper_, c.distribution && c.text == text ? 4 : vel_infinity) << c.text;
+  }
 }
 
 }  // namespace
