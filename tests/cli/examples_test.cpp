@@ -1,4 +1,6 @@
-// Every bundled example generates exactly its committed expected output.
+// Every bundled example generates exactly its committed expected output:
+// deterministic rows, Distribution and NoisyOR rows, rows averaged over the
+// sample points of interval parents, and the parametric laws.
 #include <gtest/gtest.h>
 
 #include <filesystem>
