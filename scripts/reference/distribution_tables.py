@@ -392,6 +392,8 @@ def discrete_nodes():
              lambda v: negative_binomial(2.5, 0.4)),
         Node("KN2", "numbered", counts(5), "NegativeBinomial(1, 0.5)",
              lambda v: negative_binomial(1.0, 0.5)),
+        Node("KN3", "numbered", counts(3), "NegativeBinomial(2, 0)",
+             lambda v: negative_binomial(2.0, 0.0)),
         Node("KG1", "numbered", counts(6), "Geometric(0.3)", lambda v: geometric(0.3)),
         Node("KG2", "numbered", counts(4), "Geometric(1)", lambda v: geometric(1.0)),
         Node("KG3", "numbered", counts(4), "Geometric(0)", lambda v: geometric(0.0)),
