@@ -13,7 +13,11 @@ namespace vel::io {
 
 namespace {
 
-std::string json_string(const std::string &text) { return nlohmann::json(text).dump(); }
+// Bytes that are not UTF-8 (a file name in another encoding) become U+FFFD
+// rather than an exception halfway through the document.
+std::string json_string(const std::string &text) {
+  return nlohmann::json(text).dump(-1, ' ', false, nlohmann::json::error_handler_t::replace);
+}
 
 template <typename Real>
 std::string number(Real value) {

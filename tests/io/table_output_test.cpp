@@ -70,7 +70,7 @@ TEST_F(TableOutput, CsvQuotesFieldsAsRfc4180) {
 TEST_F(TableOutput, JsonDocumentWithTheFailureThatEndedTheRun) {
   const vel::io::GenerationError error{34, "Temp"};
   vel::io::write_json_document(out_, model_.name, {node("Season"), node("Temp")}, &error);
-  vel::io::write_json_document(out_, "plant", {}, nullptr);
+  vel::io::write_json_document(out_, "pl\"ant\xff", {}, nullptr);  // escaped; not UTF-8: U+FFFD
   EXPECT_EQ(out_.str(),
             "{\n"
             "  \"domain\": \"plant\",\n"
@@ -84,7 +84,7 @@ TEST_F(TableOutput, JsonDocumentWithTheFailureThatEndedTheRun) {
             "  ],\n"
             "  \"error\": {\"code\": 34, \"name\": \"vel_error_invalid_expression\", \"node\": \"Temp\"}\n"
             "}\n"
-            "{\n  \"domain\": \"plant\",\n  \"tables\": [],\n  \"error\": null\n}\n");
+            "{\n  \"domain\": \"pl\\\"ant\xEF\xBF\xBD\",\n  \"tables\": [],\n  \"error\": null\n}\n");
 }
 
 TEST(NumberText, NonFiniteValuesAreWordsAndJsonStrings) {
