@@ -22,9 +22,7 @@ struct Case {
 const Case cases[] = {
     {"pump.yaml", "Net", "inference", "2.5625", 0, nullptr},
     {"pump.yaml", "Flow", "configured", "9", 0, nullptr},
-    {"pump.yaml", "Net", "configured", "7.5", 0, nullptr},
     {"failures.yaml", "ByValue", "inference", nullptr, 34, "vel_error_invalid_expression"},
-    {"failures.yaml", "ByState", "inference", "0", 0, nullptr},
     {"failures.yaml", "Ratio", "configured", nullptr, 36, "vel_error_division_by_zero"},
     {"failures.yaml", "Unset", "configured", nullptr, 34, "vel_error_invalid_expression"},
     {"uncompiled.yaml", "Power", "inference", nullptr, 17, "vel_error_not_compiled"},
