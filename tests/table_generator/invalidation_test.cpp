@@ -170,16 +170,6 @@ TEST_F(InvalidationTest, TablesReadingFunctionParentsAreRegenerated) {
   }
 }
 
-TEST_F(InvalidationTest, BuilderRecordsWhetherAModelReadsFunctionValues) {
-  vel_node_t *f = function_of("F", {}, "1");
-  vel_node_t *t = numbered("T", {1, 2});
-  parents(t, {f});
-  EXPECT_EQ(model(t, {}, {"F"})->function_value_use, 1);
-  EXPECT_EQ(model(t, {}, {"2"})->function_value_use, 0);
-  vel_model_set_expression(t->model, 0, vel_parse_expression("F + 1", t));
-  EXPECT_EQ(t->model->function_value_use, 1);
-}
-
 class StatusInitialisationTest : public InvalidationTest {
  protected:
   // T reads F; Plain reads no function node.  Both models are outdated.
