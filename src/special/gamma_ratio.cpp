@@ -93,33 +93,6 @@ int set_from_q(double *p, double *q, double q_value) {
   return set_ratios(p, q, 0.5 + (0.5 - q_value), q_value);
 }
 
-// a < 1, x < 1.1: Taylor series for P(a, x) / x^a.
-int small_x_series(double *p, double *q, double a, double x) {
-  double an = 3.0;
-  double c = x;
-  double sum = x / (a + 3.0);
-  const double tol = 3.0 * acc / (a + 1.0);
-  double t;
-  do {
-    an += 1.0;
-    c = -c * (x / an);
-    t = c / (a + an);
-    sum += t;
-  } while (std::fabs(t) > tol);
-  const double j = a * x * ((sum / 6.0 - 0.5 / (a + 2.0)) * x + 1.0 / (a + 1.0));
-
-  const double z = a * std::log(x);
-  const double h = gam1(a);
-  const double g = 1.0 + h;
-  const bool use_rexp = x < 0.25 ? z > -.13394 : a < x / 2.59;
-  if (!use_rexp) return set_from_p(p, q, std::exp(z) * g * (0.5 + (0.5 - j)));
-  const double l = rexp(z);
-  const double w = 0.5 + (0.5 + l);
-  const double q_value = (w * j - l) * g - h;
-  if (q_value < 0.0) return set_ratios(p, q, 1.0, 0.0);
-  return set_from_q(p, q, q_value);
-}
-
 // Q for a >= 1 with 2a an integer and a <= x < x0: the finite sums
 // Q = exp(-x) sum x^k / k! (integer a), or erfc(sqrt x) plus half-integer terms.
 int finite_sum(double *p, double *q, double a, double x, int i) {
@@ -255,7 +228,7 @@ int gamma_ratio(double *p, double *q, double a, double x) {
       if (x < 0.25) return set_from_p(p, q, erf1(std::sqrt(x)));
       return set_from_q(p, q, erfc1(0, std::sqrt(x)));
     }
-    if (x < 1.1) return small_x_series(p, q, a, x);
+    if (x < 1.1) return small_x_ratios(a, x, 3.0 * acc / (a + 1.0), p, q);
     const double u = a * std::exp(a * std::log(x) - x);
     if (u == 0.0) return set_ratios(p, q, 1.0, 0.0);
     return q_continued_fraction(p, q, a, x, u * (1.0 + gam1(a)));

@@ -5,6 +5,43 @@
 #include "special/special.h"
 #include "special/toms_shared.h"
 
+// P(a, x) and Q(a, x) for a < 1 and x < 1.1 from the Taylor series of
+// P(a, x) / x^a; GRATIO and GRAT1 publish the same branch with different
+// tolerances.
+int small_x_ratios(double a, double x, double tol, double *p, double *q) {
+  double an = 3.0;
+  double c = x;
+  double sum = x / (a + 3.0);
+  double t;
+  do {
+    an += 1.0;
+    c = -c * (x / an);
+    t = c / (a + an);
+    sum += t;
+  } while (std::fabs(t) > tol);
+  const double j = a * x * ((sum / 6.0 - 0.5 / (a + 2.0)) * x + 1.0 / (a + 1.0));
+
+  const double z = a * std::log(x);
+  const double h = gam1(a);
+  const double g = 1.0 + h;
+  const bool use_rexp = x < 0.25 ? z > -.13394 : a < x / 2.59;
+  if (!use_rexp) {
+    *p = std::exp(z) * g * (0.5 + (0.5 - j));
+    *q = 0.5 + (0.5 - *p);
+    return 0;
+  }
+  const double l = rexp(z);
+  const double w = 0.5 + (0.5 + l);
+  *q = (w * j - l) * g - h;
+  if (*q < 0.0) {
+    *p = 1.0;
+    *q = 0.0;
+  } else {
+    *p = 0.5 + (0.5 - *q);
+  }
+  return 0;
+}
+
 int grat1(double a, double x, double r, double *p, double *q, double eps) {
   if (a * x == 0.0) {
     if (x <= a) {
@@ -27,42 +64,7 @@ int grat1(double a, double x, double r, double *p, double *q, double eps) {
     return 0;
   }
 
-  if (x < 1.1) {
-    // Taylor series for P(a, x) / x^a.
-    double an = 3.0;
-    double c = x;
-    double sum = x / (a + 3.0);
-    const double tol = 0.1 * eps / (a + 1.0);
-    double t;
-    do {
-      an += 1.0;
-      c = -c * (x / an);
-      t = c / (a + an);
-      sum += t;
-    } while (std::fabs(t) > tol);
-    const double j = a * x * ((sum / 6.0 - 0.5 / (a + 2.0)) * x + 1.0 / (a + 1.0));
-
-    const double z = a * std::log(x);
-    const double h = gam1(a);
-    const double g = 1.0 + h;
-    const bool use_rexp = x < 0.25 ? z > -.13394 : a < x / 2.59;
-    if (!use_rexp) {
-      const double w = std::exp(z);
-      *p = w * g * (0.5 + (0.5 - j));
-      *q = 0.5 + (0.5 - *p);
-      return 0;
-    }
-    const double l = rexp(z);
-    const double w = 0.5 + (0.5 + l);
-    *q = (w * j - l) * g - h;
-    if (*q < 0.0) {
-      *p = 1.0;
-      *q = 0.0;
-    } else {
-      *p = 0.5 + (0.5 - *q);
-    }
-    return 0;
-  }
+  if (x < 1.1) return small_x_ratios(a, x, 0.1 * eps / (a + 1.0), p, q);
 
   // Continued fraction for Q(a, x) / r.
   double a2nm1 = 1.0;

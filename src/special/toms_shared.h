@@ -14,3 +14,6 @@ double rlog(double x);
 // P(a, x) and Q(a, x) for a <= 1, given r = exp(-x) x^a / Gamma(a).
 // Returns 0, or the error code it set.
 int grat1(double a, double x, double r, double *p, double *q, double eps);
+// P(a, x) and Q(a, x) for a < 1, x < 1.1 by the Taylor series of P(a, x)/x^a,
+// summed until a term is below tol.  Returns 0.
+int small_x_ratios(double a, double x, double tol, double *p, double *q);
