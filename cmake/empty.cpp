@@ -1,1 +1,0 @@
-// Placeholder translation unit for a unit that has no sources yet.
