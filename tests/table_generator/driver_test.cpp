@@ -158,19 +158,4 @@ TEST_F(DriverTest, WorkingDataThatCannotBeHad) {
   EXPECT_NE(vel_model_get_tables_outdated(m), 0);
 }
 
-#ifndef VEL_SANITIZED
-// state_count * node_count * 3 fits, eight times that does not: the request
-// saturates and the host's allocator refuses it.
-TEST_F(DriverTest, WorkBufferSizeSaturates) {
-  vel_node_t *x = labeled("X", {"a", "b"});
-  model(x, {}, {"\"b\""});
-  vel_node_get_table(x);
-  x->state_count = uint64_t{1} << 61;
-  int code = vel_node_generate_table(x);
-  x->state_count = 2;
-  EXPECT_EQ(code, vel_error_out_of_memory);
-  EXPECT_EQ(table(x), (std::vector<double>{0, 0}));
-}
-#endif
-
 }  // namespace

@@ -4,8 +4,6 @@
 
 namespace {
 
-using gentest::kInf;
-
 class UtilityTableTest : public gentest::GenerationTest {
  protected:
   vel_node_t *utility_over(const std::vector<vel_node_t *> &ps, const char *expression,
@@ -27,19 +25,6 @@ TEST_F(UtilityTableTest, AveragesOverSamplePointsAndReportsTheSpread) {
   EXPECT_EQ(vel_node_generate_table(u), 0);
   EXPECT_EQ(table(u), (std::vector<double>{4, 6}));
   EXPECT_EQ(log(), head + "(0): 4 (min=2.5, max=5.5)\n");
-}
-
-TEST_F(UtilityTableTest, UnboundedIntervalsAndNumberedParents) {
-  vel_node_t *b = interval("B", {-kInf, -5, 0, 5, kInf});
-  vel_node_t *n = numbered("N", {10, 20});
-  vel_node_t *u = utility_over({n, b}, "N + B", 1);
-  EXPECT_EQ(vel_node_generate_table(u), 0);
-  std::vector<double> expected;
-  for (double v : {10.0, 20.0}) {
-    for (double point : {-5 * 1.001, -2.5, 2.5, 5 * 1.001}) expected.push_back(static_cast<float>(v + point));
-  }
-  EXPECT_EQ(table(u), expected);
-  EXPECT_EQ(log(), head);
 }
 
 TEST_F(UtilityTableTest, TwoIntervalParentsAreSampledTogether) {
