@@ -37,7 +37,6 @@ TEST_F(ContinuousTest, FillsRowsZeroToTwoWithTheRenormalisedMasses) {
   } cases[] = {
       {{-kInf, 0, kInf}, "Normal(0, 1)", -DBL_MAX, DBL_MAX, {0.5, 0.5}},
       {{0, 1, 2, 4}, "Uniform(0, 4)", 1, 3, {0, 0.5, 0.5}},
-      {{0, 2, kInf}, "Exponential(1, 2)", -DBL_MAX, DBL_MAX, {0, 1}},
       {{-kInf, 5, kInf}, "Normal(5, 1)", -DBL_MAX, 5, {1, 0}},
   };
   for (const auto &c : cases) {
@@ -63,7 +62,6 @@ TEST_F(ContinuousTest, FaultsGiveTheirCodeOrTheWriteFailure) {
     int code;
   } cases[] = {
       {vel_subtype_interval, {-kInf, kInf}, "Normal(0, -1)", -DBL_MAX, DBL_MAX, 37},
-      {vel_subtype_interval, {0, 5}, "PERT(0, 1, 4, -1)", -DBL_MAX, DBL_MAX, 37},
       {vel_subtype_interval, {1, kInf}, "Gamma(2, 1)", -DBL_MAX, DBL_MAX, 39},
       {vel_subtype_interval, {-kInf, 0}, "Normal(0, 1)", -DBL_MAX, 0.5, 39},
       {vel_subtype_numbered, {}, "Weibull(1, 1)", -DBL_MAX, DBL_MAX, 34},

