@@ -21,21 +21,6 @@ class CheckModelTest : public gentest::GenerationTest {
   std::vector<Report> reports;
 };
 
-// Without a model: a usage error; unspecified: every index is missing.
-TEST_F(CheckModelTest, UsageErrorsAndUnspecifiedModel) {
-  vel_node_t *p = labeled("P", {"a", "b", "c"});
-  vel_node_t *x = labeled("X", {"a"});
-  EXPECT_EQ(check(nullptr), vel_error_usage);
-  EXPECT_EQ(check(x), vel_error_usage);
-  parents(x, {p});
-  vel_node_t *model_nodes[] = {p, nullptr};
-  vel_node_new_model(x, model_nodes);
-  EXPECT_EQ(check(x), vel_error_invalid_expression);
-  EXPECT_EQ(reports, (std::vector<Report>{{vel_check_missing_expression, "X", 0},
-                                          {vel_check_missing_expression, "X", 1},
-                                          {vel_check_missing_expression, "X", 2}}));
-}
-
 // Every problem is reported; the code is the one generation would stop with.
 TEST_F(CheckModelTest, ReportsEveryProblemWithoutTouchingTableOrLog) {
   vel_node_t *p = interval("P", {-kInf, -kInf, 5, 6});
@@ -43,6 +28,8 @@ TEST_F(CheckModelTest, ReportsEveryProblemWithoutTouchingTableOrLog) {
   parents(x, {p});
   vel_model_t *m = model(x, {p}, {nullptr, "1", "\"a\""});
   use_log();
+  EXPECT_EQ(check(nullptr), vel_error_usage);
+  EXPECT_EQ(check(p), vel_error_usage);  // no model
   EXPECT_EQ(check(x), vel_error_invalid_state_values);
   EXPECT_EQ(reports, (std::vector<Report>{{vel_check_state_values, "X", 1},
                                           {vel_check_state_values, "P", 2},

@@ -27,9 +27,6 @@ TEST_F(FunctionNodeTest, EachModeReadsItsOwnInputsAndKeepsItsOwnCache) {
   EXPECT_EQ(value(f, vel_mode_inference), 10 + 2.5 - 4);
   EXPECT_EQ(value(f, vel_mode_configured), 1 + 3 + 7);
   EXPECT_EQ(vel_node_get_value(f), 8.5);
-  EXPECT_EQ(vel_error_code(), 0);
-  EXPECT_EQ(f->inferred_value, 8.5);
-  EXPECT_EQ(f->configured_value, 11);
 
   // New beliefs: the expected state value in mode 0; mode 1 stays cached.
   ASSERT_EQ(vel_node_set_beliefs(x, std::vector<double>{0.5, 0.5}.data(), 2), 0);
@@ -52,9 +49,6 @@ TEST_F(FunctionNodeTest, DiamondComputesTheSharedAncestorOnce) {
   uint64_t before = reads();
   EXPECT_EQ(vel_node_get_value(top), 3.75 + 5.5);
   EXPECT_EQ(reads() - before, 2u);
-  EXPECT_EQ(c->variance, 0.25);
-  EXPECT_EQ(a->inferred_value, 2.75);
-  EXPECT_EQ(d->inferred_value, 5.5);
   expect_marks_cleared();
 
   before = reads();
@@ -185,8 +179,6 @@ TEST_F(FunctionNodeTest, SourceDomainBlocksLinksAndValueSources) {
   int source = 0;
   domain_->source_domain = &source;
   EXPECT_EQ(value(g, vel_mode_configured), 11);
-  EXPECT_EQ(g->function_status[1], 0);
-  EXPECT_EQ(g->configured_value, 11);
   EXPECT_EQ(value(h, vel_mode_configured), 10 * 2 + 1);
   EXPECT_EQ(y->state_index, 1);
 
