@@ -27,23 +27,6 @@ TEST_F(ComputeDistributionTest, SamplesUnboundedAndEmptyIntervalsOnce) {
   }
 }
 
-TEST_F(ComputeDistributionTest, AveragesOverMidpointsOfBoundedIntervals) {
-  vel_node_t *b = interval("B", {0, 3, 3});
-  vel_node_t *x = numbered("X", {0, 1, 2, 3});
-  parents(x, {b});
-  vel_model_t *m = model(x, {}, {"floor(B)"});
-  vel_model_set_samples_per_interval(m, 3);
-  use_log();
-  EXPECT_EQ(vel_node_generate_table(x), 0);
-  float third = static_cast<float>(1.0 / 3.0);
-  EXPECT_EQ(table(x), (std::vector<double>{third, third, third, 0, 0, 0, 0, 1}));
-  EXPECT_EQ(log(),
-            "Using model for X to generate a conditional probability table\n"
-            "(0,0): 0.333333 (min=0, max=1)\n"
-            "(0,1): 0.333333 (min=0, max=1)\n"
-            "(0,2): 0.333333 (min=0, max=1)\n");
-}
-
 // One row per case, each on a fresh X: labeled (with a label on two states),
 // boolean, numbered 1, 2, 4, 8 or interval [0, 1), [1, 5).
 TEST_F(ComputeDistributionTest, DeterministicValuesAndExplicitDistributions) {
