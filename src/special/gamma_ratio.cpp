@@ -175,25 +175,7 @@ int q_asymptotic(double *p, double *q, double a, double x, double r) {
 
 // Continued fraction for Q / r.
 int q_continued_fraction(double *p, double *q, double a, double x, double r) {
-  const double tol = std::fmax(5.0 * e, acc);
-  double a2nm1 = 1.0;
-  double a2n = 1.0;
-  double b2nm1 = x;
-  double b2n = x + (1.0 - a);
-  double c = 1.0;
-  double am0;
-  double an0;
-  do {
-    a2nm1 = x * a2n + c * a2nm1;
-    b2nm1 = x * b2n + c * b2nm1;
-    am0 = a2nm1 / b2nm1;
-    c += 1.0;
-    const double cma = c - a;
-    a2n = a2nm1 + cma * a2n;
-    b2n = b2nm1 + cma * b2n;
-    an0 = a2n / b2n;
-  } while (std::fabs(an0 - am0) >= tol * an0);
-  return set_from_q(p, q, r * an0);
+  return set_from_q(p, q, r * continued_fraction_q_over_r(a, x, std::fmax(5.0 * e, acc)));
 }
 
 // Temme's expansion in z = sqrt(2 rlog(l)), signed like l - 1, with c the

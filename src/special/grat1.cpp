@@ -42,6 +42,29 @@ int small_x_ratios(double a, double x, double tol, double *p, double *q) {
   return 0;
 }
 
+// Q(a, x) / r for x >= 1.1 by the continued fraction that GRATIO and GRAT1
+// both publish, iterated until two successive convergents agree within tol.
+double continued_fraction_q_over_r(double a, double x, double tol) {
+  double a2nm1 = 1.0;
+  double a2n = 1.0;
+  double b2nm1 = x;
+  double b2n = x + (1.0 - a);
+  double c = 1.0;
+  double am0;
+  double an0;
+  do {
+    a2nm1 = x * a2n + c * a2nm1;
+    b2nm1 = x * b2n + c * b2nm1;
+    am0 = a2nm1 / b2nm1;
+    c += 1.0;
+    const double cma = c - a;
+    a2n = a2nm1 + cma * a2n;
+    b2n = b2nm1 + cma * b2n;
+    an0 = a2n / b2n;
+  } while (std::fabs(an0 - am0) >= tol * an0);
+  return an0;
+}
+
 int grat1(double a, double x, double r, double *p, double *q, double eps) {
   if (a * x == 0.0) {
     if (x <= a) {
@@ -66,25 +89,7 @@ int grat1(double a, double x, double r, double *p, double *q, double eps) {
 
   if (x < 1.1) return small_x_ratios(a, x, 0.1 * eps / (a + 1.0), p, q);
 
-  // Continued fraction for Q(a, x) / r.
-  double a2nm1 = 1.0;
-  double a2n = 1.0;
-  double b2nm1 = x;
-  double b2n = x + (1.0 - a);
-  double c = 1.0;
-  double am0;
-  double an0;
-  do {
-    a2nm1 = x * a2n + c * a2nm1;
-    b2nm1 = x * b2n + c * b2nm1;
-    am0 = a2nm1 / b2nm1;
-    c += 1.0;
-    const double cma = c - a;
-    a2n = a2nm1 + cma * a2n;
-    b2n = b2nm1 + cma * b2n;
-    an0 = a2n / b2n;
-  } while (std::fabs(an0 - am0) >= eps * an0);
-  *q = r * an0;
+  *q = r * continued_fraction_q_over_r(a, x, eps);
   *p = 0.5 + (0.5 - *q);
   return 0;
 }

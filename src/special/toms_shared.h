@@ -17,3 +17,6 @@ int grat1(double a, double x, double r, double *p, double *q, double eps);
 // P(a, x) and Q(a, x) for a < 1, x < 1.1 by the Taylor series of P(a, x)/x^a,
 // summed until a term is below tol.  Returns 0.
 int small_x_ratios(double a, double x, double tol, double *p, double *q);
+// Q(a, x) / r, r = exp(-x) x^a / Gamma(a), by the continued fraction for
+// x >= 1.1, iterated until two successive convergents agree within tol.
+double continued_fraction_q_over_r(double a, double x, double tol);
