@@ -70,6 +70,8 @@ enum {
   vel_error_usage = 1,
   vel_error_io = 2,
   vel_error_out_of_memory = 3,
+  vel_error_impossible_evidence = 4, /* propagation found the evidence impossible */
+  vel_error_too_large = 5,           /* a table or setting beyond a documented limit */
   vel_error_not_compiled = 17,
   vel_error_negative_entry = 18,
   vel_error_not_propagated = 21,

@@ -2,9 +2,12 @@
 // domain built through the public builder.
 #pragma once
 
+#include <cstddef>
 #include <memory>
 #include <stdexcept>
 #include <string>
+#include <unordered_map>
+#include <vector>
 
 #include "vel/vel.h"
 
@@ -15,10 +18,27 @@ struct DomainDeleter {
 };
 using DomainPtr = std::unique_ptr<vel_domain_t, DomainDeleter>;
 
-// A loaded model file: the domain and the name the file gives it.
+// Where an item stands in its file: 1-based line and column; 0 when unknown.
+struct Position {
+  std::size_t line = 0;
+  std::size_t column = 0;
+};
+
+// Where the items of one node stand, for messages about them after loading.
+struct NodeSource {
+  Position name;                      // the node's entry
+  Position states;                    // its states
+  Position table;                     // its literal table
+  Position model;                     // its model
+  std::vector<Position> expressions;  // one per expression index; may be empty
+};
+
+// A loaded model file: the domain, the name the file gives it, and where each
+// node's items stand in the file.
 struct LoadedModel {
   DomainPtr domain;
   std::string name;
+  std::unordered_map<const vel_node_t *, NodeSource> sources;
 };
 
 // A file that cannot be loaded.  what() is the whole message:

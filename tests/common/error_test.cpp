@@ -18,6 +18,8 @@ TEST(ErrorCodes, NamesMatchTheirCodes) {
       {1, "vel_error_usage"},
       {2, "vel_error_io"},
       {3, "vel_error_out_of_memory"},
+      {4, "vel_error_impossible_evidence"},
+      {5, "vel_error_too_large"},
       {17, "vel_error_not_compiled"},
       {18, "vel_error_negative_entry"},
       {21, "vel_error_not_propagated"},
