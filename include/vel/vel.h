@@ -137,11 +137,22 @@ static const double vel_infinity = 1.7976931348623157e+308;
 int vel_error_code(void);                     /* the thread-local error code */
 const char *vel_error_name(int code);         /* "vel_error_invalid_expression" */
 const char *vel_error_description(int code);  /* one line */
-/* Text of the last host failure that has one (a parse error says what was
- * expected); "" when there is none.  vel_error_position() gives the 1-based
- * character position it refers to (0 when none). */
+/* Text of the last failure that has one; "" when there is none.  A parse
+ * error says what was expected, and vel_error_position() gives the 1-based
+ * character position it refers to (0 when none).  After a failed table
+ * generation it is the generator's explanation: the lines it wrote to the
+ * domain's log during the call, leaving out the "Using model for ..." line
+ * and the row diagnostics ("(0,1): 0.5 (min=0.4, max=0.6)", "(0,1):
+ * evaluation failed"), joined by "\n" without a final newline; when nothing
+ * remains (or the domain has no log file, so the generator wrote nothing),
+ * the code's description.  A generation refused outright (no model, a
+ * real-valued function node) names the reason. */
 const char *vel_error_message(void);
 long vel_error_position(void);
+/* After a failed table generation: the index of the model expression whose
+ * evaluation failed (the configuration being filled); -1 when the failure
+ * came from no single expression (a check before the fill, say). */
+long vel_error_expression_index(void);
 
 /* ------------------------------------------------------------------------ */
 /* Domains and classes                                                       */
@@ -258,6 +269,15 @@ int vel_expression_delete(vel_expression_t *expression);
 
 int vel_expression_get_operator(const vel_expression_t *expression);
 int vel_expression_get_type(const vel_expression_t *expression);
+/* Operands, by operator: the arguments of an operator (codes 60..113;
+ * NULL past the last one), a number (114), a label (115, owned by the
+ * expression), a node (116), a truth value (117).  A mismatch between the
+ * operator and the accessor is a usage error (NULL, NaN or -1). */
+vel_expression_t *vel_expression_get_argument(const vel_expression_t *expression, size_t index);
+double vel_expression_get_number(const vel_expression_t *expression);
+const char *vel_expression_get_label(const vel_expression_t *expression);
+vel_node_t *vel_expression_get_node(const vel_expression_t *expression);
+int vel_expression_get_truth(const vel_expression_t *expression);
 /* Name of an operator code ("Normal", "state_index", "+"); NULL if unknown. */
 const char *vel_operator_name(int code);
 
@@ -306,6 +326,25 @@ enum {
 };
 typedef void (*vel_check_report_t)(void *context, int kind, vel_node_t *node, size_t index);
 int vel_node_check_model(vel_node_t *node, vel_check_report_t report, void *context);
+
+/* Why an expression does not fit the node whose model would hold it (the
+ * check behind "Invalid expression at index ..."): writes the reason into
+ * buffer with snprintf semantics and returns the length of the whole text;
+ * 0 (and "") when the expression fits; (size_t)-1 on a usage error.  For
+ * example "argument 2 of Normal must be a number, but \"high\" is a label"
+ * or "the expression gives a label, but Wear is a numbered node, which takes
+ * a number or a distribution". */
+size_t vel_node_explain_expression(vel_node_t *node, vel_expression_t *expression, char *buffer,
+                                   size_t size);
+
+/* Generates the node's table from its model exactly as
+ * vel_node_generate_table would, whether or not the table is outdated, but
+ * into scratch storage: the node's table, its outdated flag and everything
+ * that depends on them are left as they were (function-node values it needs
+ * are computed and cached as usual).  Returns what generation returns, with
+ * vel_error_message() and vel_error_expression_index() as after a
+ * generation.  Checks of a whole domain use it to find every failure. */
+int vel_node_try_generate_table(vel_node_t *node);
 
 /* ------------------------------------------------------------------------ */
 /* Results of inference and configured values                               */

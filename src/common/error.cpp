@@ -55,6 +55,7 @@ const CodeInfo *find(int code) {
 
 thread_local std::string last_message;
 thread_local long last_position = 0;
+thread_local long failed_expression = -1;
 
 }  // namespace
 
@@ -68,6 +69,8 @@ void set_error_message(const char *text, long position) {
   }
   last_position = position;
 }
+
+void set_failed_expression(long index) { failed_expression = index; }
 
 }  // namespace vel
 
@@ -88,5 +91,7 @@ const char *vel_error_description(int code) {
 const char *vel_error_message(void) { return last_message.c_str(); }
 
 long vel_error_position(void) { return last_position; }
+
+long vel_error_expression_index(void) { return failed_expression; }
 
 }

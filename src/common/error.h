@@ -22,4 +22,8 @@ inline int fail(int code) {
 // say); cleared by set_error_message(nullptr) or "".
 void set_error_message(const char *text, long position = 0);
 
+// Index of the model expression whose evaluation made the last generation
+// fail; -1 when the failure came from no single expression.
+void set_failed_expression(long index);
+
 }  // namespace vel

@@ -75,7 +75,8 @@ FILE *vel_domain_get_log_file(const vel_domain_t *domain) {
     return nullptr;
   }
   _vel_error_code = 0;
-  return domain->log_file;
+  // During a generation the domain's stream passes on to the caller's own.
+  return domain->host->captured_log ? domain->host->captured_log : domain->log_file;
 }
 
 vel_node_t *vel_domain_get_first_node(const vel_domain_t *domain) {

@@ -40,8 +40,7 @@ std::string operator_text(const OperatorInfo &info) {
 std::string argument_error(const OperatorInfo &info, vel_expression_t *const *arguments,
                            int count) {
   if (!vel::host::arity_fits(info, count))
-    return operator_text(info) + " takes " + vel::host::arity_text(info) + ", got " +
-           std::to_string(count);
+    return vel::host::arity_message(info, static_cast<std::size_t>(count));
   for (int i = 0; i < count; ++i) {
     const vel_expression_t *argument = arguments[i];
     if (argument->owner)
@@ -174,24 +173,6 @@ int vel_expression_delete(vel_expression_t *expression) {
     return usage("vel_expression_delete: the expression belongs to another expression or model");
   vel::host::delete_tree(expression);
   return _vel_error_code = 0;
-}
-
-int vel_expression_get_operator(const vel_expression_t *expression) {
-  if (!expression) {
-    usage("vel_expression_get_operator: expression is NULL");
-    return 0;
-  }
-  _vel_error_code = 0;
-  return static_cast<int>(expression->operator_);
-}
-
-int vel_expression_get_type(const vel_expression_t *expression) {
-  if (!expression) {
-    usage("vel_expression_get_type: expression is NULL");
-    return 0;
-  }
-  _vel_error_code = 0;
-  return static_cast<int>(expression->type);
 }
 
 }  // extern "C"

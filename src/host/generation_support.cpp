@@ -50,12 +50,13 @@ vel_control_t *_vel_create_control_data_for_tg(const vel_table_t *table,
 
 int _vel_domain_flush_log_file(vel_domain_t *domain) {
   if (!domain) return vel::fail(vel_error_usage);
-  if (domain->log_file && std::fflush(domain->log_file) != 0) return vel::fail(vel_error_io);
+  std::FILE *log = domain->host->captured_log ? domain->host->captured_log : domain->log_file;
+  if (log && std::fflush(log) != 0) return vel::fail(vel_error_io);
   return _vel_error_code = 0;
 }
 
 void _vel_node_touch_table(vel_node_t *node, int) {
-  if (node && node->domain) ++node->domain->host->table_version;
+  if (node && node->domain && !node->domain->host->trial) ++node->domain->host->table_version;
 }
 
 void _vel_node_touch_model(vel_node_t *node) {

@@ -44,4 +44,9 @@ vel_control_t *_vel_create_control_data_for_tg(const vel_table_t *table,
                                                const vel_model_t *model);
 int _vel_domain_flush_log_file(vel_domain_t *domain);
 
+// Runs `generate` (one node's table generation) so that a failure leaves its
+// explanation in vel_error_message() and the index of the failing expression,
+// when there is one, in vel_error_expression_index().
+int _vel_generate_explained(vel_node_t *node, int (*generate)(vel_node_t *));
+
 }  // extern "C"

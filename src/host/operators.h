@@ -3,7 +3,9 @@
 // The builder and the parser share it so that both enforce the same shapes.
 #pragma once
 
+#include <cstddef>
 #include <cstdint>
+#include <string>
 #include <string_view>
 
 namespace vel::host {
@@ -18,6 +20,7 @@ struct OperatorInfo {
   bool needs_node;         // probability: the argument must refer to some node
   uint32_t result_type;    // type the builder sets; 0: set by typing (if)
   bool is_call;            // written as name(arguments) in the text form
+  const char *parameters;  // what a call takes, for arity messages; nullptr: infix
 };
 
 // Operator with this code, or nullptr (leaves 114..117 included, with zero arities).
@@ -29,5 +32,9 @@ bool arity_fits(const OperatorInfo &info, int count);
 // Human text of the allowed counts: "1 argument", "2 or 3 arguments",
 // "1 or more arguments", "an even number of arguments, 2 or more".
 const char *arity_text(const OperatorInfo &info);
+// Why `count` arguments do not suit the operator, naming its parameters:
+// "Weibull takes shape, scale and an optional location (2 or 3 arguments),
+// got 1"; "operator - takes 2 arguments, got 1".
+std::string arity_message(const OperatorInfo &info, std::size_t count);
 
 }  // namespace vel::host

@@ -103,8 +103,7 @@ int comparison_code(TokenKind kind) {
 
 [[noreturn, gnu::noinline, gnu::cold]] void fail_arity(size_t offset, const OperatorInfo &info,
                                                        size_t count) {
-  fail(offset, std::string(info.name) + " takes " + arity_text(info) + ", got " +
-                   std::to_string(count));
+  fail(offset, arity_message(info, count));
 }
 
 [[noreturn, gnu::noinline, gnu::cold]] void fail_argument(size_t offset, const char *call,
@@ -153,7 +152,9 @@ Parsed leaf(vel_expression_t *expression, size_t offset) {
   if (!arity_fits(info, static_cast<int>(arguments.size())))
     fail_arity(offset, info, arguments.size());
   for (size_t i = 0; i < arguments.size(); ++i) {
-    if ((info.node_arguments >> i & 1u) && arguments[i].expression->operator_ != vel_op_node)
+    // Only the first arguments can be required node references.
+    if (i < 32 && (info.node_arguments >> i & 1u) &&
+        arguments[i].expression->operator_ != vel_op_node)
       fail_argument(arguments[i].offset, info.name, i, "must be a node name");
   }
   if (info.needs_node && !refers_to_node(arguments[0].expression.get()))

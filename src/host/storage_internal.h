@@ -4,6 +4,7 @@
 #pragma once
 
 #include <cstdint>
+#include <cstdio>
 #include <memory>
 #include <string>
 #include <unordered_map>
@@ -53,6 +54,12 @@ struct vel_host_domain_data {
   uint64_t table_version = 0;  // bumped whenever a table's contents change
   // Models whose tables are generated from results of inference.
   std::vector<vel_model_t *> inference_readers;
+  // During a generation whose failure is explained: the caller's log stream,
+  // which the domain's log_file passes every byte to.
+  std::FILE *captured_log = nullptr;
+  // During a trial generation: tables are written to scratch storage and
+  // nothing is told of the change.
+  bool trial = false;
 };
 
 namespace vel::host {

@@ -127,9 +127,7 @@ int fill_table(vel_node_t *node, vel_table_t *table, vel_model_t *model) {
   return result;
 }
 
-}  // namespace
-
-extern "C" int vel_node_generate_table(vel_node_t *node) {
+int generate_table(vel_node_t *node) {
   if (node == nullptr || node->model == nullptr || is_real_valued_function(node)) {
     return vel::fail(vel_error_usage);
   }
@@ -159,6 +157,12 @@ extern "C" int vel_node_generate_table(vel_node_t *node) {
   model->tables_outdated = 0;
   _vel_node_touch_table(node, 0);
   return vel::fail(_vel_domain_flush_log_file(domain));
+}
+
+}  // namespace
+
+extern "C" int vel_node_generate_table(vel_node_t *node) {
+  return _vel_generate_explained(node, generate_table);
 }
 
 extern "C" int vel_domain_generate_tables(vel_domain_t *domain) {

@@ -49,10 +49,11 @@ int generate_probability(vel_table_t *table, double *work, float **data,
   if (nodes[1] == nullptr) {
     uint64_t n = control->state_count;
     uint64_t samples = table->node->model->samples_per_interval;
-    if (compute_distribution(*expressions, table->nodes, work, n, samples) != 0) {
-      return _vel_error_code;
-    }
-    return write_row(table, work, data, n);
+    const int code = compute_distribution(*expressions, table->nodes, work, n, samples) != 0
+                         ? _vel_error_code
+                         : write_row(table, work, data, n);
+    if (code != 0) vel::set_failed_expression(expressions - table->node->model->expressions);
+    return code;
   }
   for (uint64_t s = 0; s < control->state_count; ++s) {
     node->state_index = static_cast<int64_t>(s);

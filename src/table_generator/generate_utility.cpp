@@ -108,10 +108,11 @@ int generate_utility(vel_table_t *table, float **data, vel_expression_t **expres
   if (node == nullptr) {
     double value, low, high;
     uint64_t samples = table->node->model->samples_per_interval;
-    if (compute_value(*expressions, table->nodes, &value, &low, &high, samples) != 0) {
-      return report_failed_evaluation(table);
-    }
-    return write_entry(table, data, value, low, high);
+    const int code = compute_value(*expressions, table->nodes, &value, &low, &high, samples) != 0
+                         ? report_failed_evaluation(table)
+                         : write_entry(table, data, value, low, high);
+    if (code != 0) vel::set_failed_expression(expressions - table->node->model->expressions);
+    return code;
   }
   for (uint64_t s = 0; s < control->state_count; ++s) {
     node->state_index = static_cast<int64_t>(s);

@@ -81,11 +81,13 @@ TEST_F(ExpressionBuilderTest, RefusalsKeepArgumentsUntouched) {
     std::vector<vel_expression_t *> arguments;
     const char *message;  // nullptr: not checked
   } cases[] = {
-      {vel_op_Normal, {number(), number(), number()}, "Normal takes 2 arguments, got 3"},
-      {vel_op_Beta, {number(), number(), number()}, "Beta takes 2 or 4 arguments, got 3"},
+      {vel_op_Normal, {number(), number(), number()}, "Normal takes a mean and a variance (2 arguments), got 3"},
+      {vel_op_Beta, {number(), number(), number()}, "Beta takes shapes alpha and beta, and optionally the bounds a and b (2 or 4 "
+       "arguments), got 3"},
       {vel_op_NoisyOR, {truth(), number(), truth()},
-       "NoisyOR takes an even number of arguments, 2 or more, got 3"},
-      {vel_op_Poisson, {}, "Poisson takes 1 argument, got 0"},
+       "NoisyOR takes pairs of a condition and the probability that it fails to cause true (an "
+       "even number of arguments, 2 or more), got 3"},
+      {vel_op_Poisson, {}, "Poisson takes a mean (1 argument), got 0"},
       {vel_op_subtract, {number()}, "operator - takes 2 arguments, got 1"},
       {vel_op_aggregate, {ref(), number()}, "argument 2 of aggregate must be a node reference"},
       {vel_op_variance, {number()}, "argument 1 of variance must be a node reference"},

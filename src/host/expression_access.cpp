@@ -1,0 +1,79 @@
+// Reading expression records through the public API: operator, type and the
+// operand that the operator carries.
+#include <cmath>
+#include <limits>
+
+#include "host/api_guard_internal.h"
+#include "host/storage_internal.h"
+
+using vel::host::usage;
+
+namespace {
+
+// The expression when it is not NULL and carries the operand asked for, else
+// NULL with a usage error naming the accessor.
+const vel_expression_t *operand_of(const vel_expression_t *expression, bool fits,
+                                   const char *accessor) {
+  if (!expression || !fits) {
+    vel::host::guarded<int>(vel_error_usage, [&] {
+      return usage(std::string(accessor) + (expression ? ": the operator has no such operand"
+                                                       : ": expression is NULL"));
+    });
+    return nullptr;
+  }
+  _vel_error_code = 0;
+  return expression;
+}
+
+bool has_arguments(const vel_expression_t *e) {
+  return e && e->operator_ >= vel_op_Normal && e->operator_ < vel_op_number;
+}
+
+}  // namespace
+
+extern "C" {
+
+int vel_expression_get_operator(const vel_expression_t *expression) {
+  const vel_expression_t *e = operand_of(expression, true, "vel_expression_get_operator");
+  return e ? static_cast<int>(e->operator_) : 0;
+}
+
+int vel_expression_get_type(const vel_expression_t *expression) {
+  const vel_expression_t *e = operand_of(expression, true, "vel_expression_get_type");
+  return e ? static_cast<int>(e->type) : 0;
+}
+
+vel_expression_t *vel_expression_get_argument(const vel_expression_t *expression, size_t index) {
+  const vel_expression_t *e =
+      operand_of(expression, has_arguments(expression), "vel_expression_get_argument");
+  if (!e) return nullptr;
+  for (size_t i = 0; i < index; ++i)
+    if (!e->arguments[i]) return nullptr;
+  return e->arguments[index];
+}
+
+double vel_expression_get_number(const vel_expression_t *expression) {
+  const vel_expression_t *e = operand_of(
+      expression, expression && expression->operator_ == vel_op_number, "vel_expression_get_number");
+  return e ? e->number : std::numeric_limits<double>::quiet_NaN();
+}
+
+const char *vel_expression_get_label(const vel_expression_t *expression) {
+  const vel_expression_t *e = operand_of(
+      expression, expression && expression->operator_ == vel_op_label, "vel_expression_get_label");
+  return e ? e->label : nullptr;
+}
+
+vel_node_t *vel_expression_get_node(const vel_expression_t *expression) {
+  const vel_expression_t *e = operand_of(
+      expression, expression && expression->operator_ == vel_op_node, "vel_expression_get_node");
+  return e ? e->node : nullptr;
+}
+
+int vel_expression_get_truth(const vel_expression_t *expression) {
+  const vel_expression_t *e = operand_of(
+      expression, expression && expression->operator_ == vel_op_truth, "vel_expression_get_truth");
+  return e ? e->truth : -1;
+}
+
+}  // extern "C"
