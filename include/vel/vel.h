@@ -317,12 +317,17 @@ int vel_class_generate_tables(vel_class_t *class_);
  * the node) without touching its table.  Each problem found is reported
  * through `report` (when not NULL): kind is one of vel_check_*, `node` the
  * node concerned, `index` the expression index (state-value problems: the
- * verdict, 1 not increasing, 2 infinities misused).  Returns 0 when
- * everything passes, else the code generation would fail with (40 or 34). */
+ * verdict, 1 not increasing, 2 infinities misused).  During the call,
+ * vel_error_message() holds the generator's sentence for the problem ("The
+ * state values of node Dose do not form an increasing sequence.", "No
+ * expression at index 2", "Invalid expression at index 1: " and why, "Model
+ * for Wet is unspecified").  Returns 0 when everything passes, else the code
+ * generation would fail with (40 or 34). */
 enum {
   vel_check_missing_expression = 1,
   vel_check_invalid_expression = 2,
-  vel_check_state_values = 3
+  vel_check_state_values = 3,
+  vel_check_unspecified_model = 4
 };
 typedef void (*vel_check_report_t)(void *context, int kind, vel_node_t *node, size_t index);
 int vel_node_check_model(vel_node_t *node, vel_check_report_t report, void *context);

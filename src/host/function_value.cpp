@@ -1,5 +1,7 @@
 // The value of a real-valued function node, computed by the table generator's
 // function-node evaluation and cached per mode in the node.
+#include <string>
+
 #include "host/api_guard_internal.h"
 #include "host/storage_internal.h"
 #include "table_generator/table_generator.h"
@@ -18,8 +20,14 @@ int vel_node_compute_value(vel_node_t *node, int mode, double *value) {
   if (mode != vel_mode_inference && mode != vel_mode_configured)
     return vel::host::usage("vel_node_compute_value: mode must be 0 (inference) or 1 (configured)");
   if (!vel::host::is_real_function(node))
-    return vel::host::usage("vel_node_compute_value: not a real-valued function node");
-  if (int code = _vel_node_compute_function_value(node, static_cast<uint32_t>(mode))) return code;
+    return vel::host::guarded<int>(vel_error_out_of_memory, [&] {
+      return vel::host::usage(std::string(node->name) + " is not a real-valued function node");
+    });
+  if (int code = _vel_node_compute_function_value(node, static_cast<uint32_t>(mode))) {
+    // The evaluation writes no log; its code says what went wrong.
+    vel::set_error_message(vel_error_description(code));
+    return vel::fail(code);
+  }
   *value = mode == vel_mode_inference ? node->inferred_value : node->configured_value;
   return _vel_error_code = 0;
 }

@@ -9,6 +9,7 @@
 
 #include <yaml-cpp/yaml.h>
 
+#include "io/model_file.h"
 #include "io/yaml_reading.h"
 #include "vel/vel.h"
 
@@ -20,14 +21,18 @@ struct NodeDecl {
   YAML::Node name_key;
   std::string name;
   vel_node_t *node = nullptr;
+  NodeSource where;  // positions of the node's items, for later messages
 };
+
+// The 1-based position of a YAML mark (0 when yaml-cpp does not know it).
+Position position_of(const YAML::Mark &mark);
 
 // What the library says about its last failure, for a loader message.
 std::string library_reason();
 
 std::vector<NodeDecl> declare_nodes(const Source &source, const Entry &nodes, vel_domain_t *domain);
 void connect_parents(const Source &source, const std::vector<NodeDecl> &decls);
-void attach_models_and_tables(const Source &source, const std::vector<NodeDecl> &decls,
+void attach_models_and_tables(const Source &source, std::vector<NodeDecl> &decls,
                               std::size_t default_samples);
 void set_inference_state(const Source &source, const Entry &inference, vel_domain_t *domain);
 void set_node_results(const Source &source, const std::vector<NodeDecl> &decls);

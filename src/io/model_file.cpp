@@ -46,12 +46,13 @@ LoadedModel build(const Source &source, const YAML::Node &root) {
   model.domain.reset(vel_domain_new());
   if (!model.domain) source.fail(root, "cannot create the domain: " + detail::library_reason());
 
-  const std::vector<detail::NodeDecl> decls = detail::declare_nodes(source, nodes, model.domain.get());
+  std::vector<detail::NodeDecl> decls = detail::declare_nodes(source, nodes, model.domain.get());
   detail::connect_parents(source, decls);
   detail::attach_models_and_tables(source, decls, default_samples);
   const Entry inference = detail::find(root, "inference");
   if (inference.present()) detail::set_inference_state(source, inference, model.domain.get());
   detail::set_node_results(source, decls);
+  for (detail::NodeDecl &decl : decls) model.sources.emplace(decl.node, std::move(decl.where));
   return model;
 }
 

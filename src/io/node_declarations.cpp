@@ -16,6 +16,11 @@ std::string library_reason() {
   return std::string(description ? description : "failure") + " (" + (name ? name : "error") + ")";
 }
 
+Position position_of(const YAML::Mark &mark) {
+  if (mark.line < 0 || mark.column < 0) return {};
+  return {static_cast<std::size_t>(mark.line) + 1, static_cast<std::size_t>(mark.column) + 1};
+}
+
 namespace {
 
 struct NodeType {
@@ -72,8 +77,9 @@ NodeType read_type(const Source &source, const Entry &entry, int category, const
   source.fail(mark, what + ": " + library_reason());
 }
 
-void set_states(const Source &source, const NodeDecl &decl, int subtype) {
+void set_states(const Source &source, NodeDecl &decl, int subtype) {
   const Entry states = find(decl.map, "states");
+  if (states.present()) decl.where.states = position_of(states.key.Mark());
   const bool needs_states = subtype == vel_subtype_labeled || subtype == vel_subtype_numbered ||
                             subtype == vel_subtype_interval;
   if (!needs_states) {
@@ -117,7 +123,8 @@ std::vector<NodeDecl> declare_nodes(const Source &source, const Entry &nodes, ve
                   "a node");
     const Entry name = find(map, "name");
     if (!name.present()) source.fail(map, "missing key 'name'");
-    NodeDecl decl{map, name.key, read_text(source, name, "a node name"), nullptr};
+    NodeDecl decl{map, name.key, read_text(source, name, "a node name"), nullptr, {}};
+    decl.where.name = position_of(name.value_mark());
     if (!is_identifier(decl.name)) source.fail(name.value_mark(), "invalid node name '" + decl.name + "'");
     for (const NodeDecl &earlier : decls)
       if (earlier.name == decl.name) source.fail(name.value_mark(), "duplicate node name '" + decl.name + "'");

@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <cmath>
 #include <limits>
+#include <memory>
 #include <string>
 #include <vector>
 
@@ -38,7 +39,14 @@ std::vector<vel_node_t *> read_model_nodes(const Source &source, const NodeDecl 
   return result;
 }
 
-void read_expressions(const Source &source, const NodeDecl &decl, vel_model_t *model,
+struct ExpressionDeleter {
+  void operator()(vel_expression_t *expression) const { vel_expression_delete(expression); }
+};
+using OwnedExpression = std::unique_ptr<vel_expression_t, ExpressionDeleter>;
+
+// The list is kept as given: null entries are missing expressions (which
+// generation reports), even when every entry is null.
+void read_expressions(const Source &source, NodeDecl &decl, vel_model_t *model,
                       const Entry &expressions) {
   require_sequence(source, expressions, "'expressions'");
   const std::size_t size = vel_model_get_size(model);
@@ -47,24 +55,34 @@ void read_expressions(const Source &source, const NodeDecl &decl, vel_model_t *m
     source.fail(expressions.key, "'expressions' of '" + decl.name + "' needs " + std::to_string(size) +
                                      " entries, one per configuration of the model nodes; found " +
                                      std::to_string(count));
+  std::vector<OwnedExpression> parsed;
+  parsed.reserve(count);
+  decl.where.expressions.reserve(count);
   for (std::size_t i = 0; i < count; ++i) {
     const YAML::Node item = expressions.value[i];
-    if (item.IsNull()) continue;  // a missing expression, which generation reports
+    const Position at = position_of(item.Mark());
+    decl.where.expressions.push_back(at.line ? at : position_of(expressions.key.Mark()));
+    if (item.IsNull()) {
+      parsed.emplace_back(nullptr);
+      continue;
+    }
     if (!item.IsScalar()) source.fail(item, "an expression must be a string or null");
     const std::string prefix = "node " + decl.name + ", expression " + std::to_string(i) + ": ";
-    vel_expression_t *expression = vel_parse_expression(item.Scalar().c_str(), decl.node);
-    if (!expression)
+    parsed.emplace_back(vel_parse_expression(item.Scalar().c_str(), decl.node));
+    if (!parsed.back())
       source.fail(item, prefix + vel_error_message() + " at character " + std::to_string(vel_error_position()));
-    if (vel_model_set_expression(model, i, expression) != 0) {
-      const std::string reason = library_reason();
-      vel_expression_delete(expression);
-      source.fail(item, prefix + reason);
-    }
   }
+  std::vector<vel_expression_t *> list;
+  list.reserve(count);
+  for (const OwnedExpression &expression : parsed) list.push_back(expression.get());
+  if (vel_model_set_expressions(model, list.data(), count) != 0)
+    source.fail(expressions.key, "cannot set the expressions of '" + decl.name + "': " + library_reason());
+  for (OwnedExpression &expression : parsed) static_cast<void>(expression.release());
 }
 
-void attach_model(const Source &source, const NodeDecl &decl, const Entry &entry,
+void attach_model(const Source &source, NodeDecl &decl, const Entry &entry,
                   std::size_t default_samples) {
+  decl.where.model = position_of(entry.key.Mark());
   if (vel_node_get_kind(decl.node) > 0)
     source.fail(entry.key, "continuous node '" + decl.name + "' takes no model");
   check_mapping(source, entry.value, {"nodes", "expressions", "samples_per_interval"}, "a model");
@@ -83,7 +101,8 @@ void attach_model(const Source &source, const NodeDecl &decl, const Entry &entry
   if (!is_null(expressions)) read_expressions(source, decl, model, expressions);
 }
 
-void attach_table(const Source &source, const NodeDecl &decl, const Entry &entry) {
+void attach_table(const Source &source, NodeDecl &decl, const Entry &entry) {
+  decl.where.table = position_of(entry.key.Mark());
   const int kind = vel_node_get_kind(decl.node);
   if (kind > 0) source.fail(entry.key, "continuous node '" + decl.name + "' takes no table");
   if (kind < 0 && vel_node_get_category(decl.node) == vel_category_function)
@@ -111,9 +130,9 @@ void attach_table(const Source &source, const NodeDecl &decl, const Entry &entry
 
 }  // namespace
 
-void attach_models_and_tables(const Source &source, const std::vector<NodeDecl> &decls,
+void attach_models_and_tables(const Source &source, std::vector<NodeDecl> &decls,
                               std::size_t default_samples) {
-  for (const NodeDecl &decl : decls) {
+  for (NodeDecl &decl : decls) {
     const Entry model = find(decl.map, "model");
     const Entry table = find(decl.map, "table");
     if (model.present() && table.present())

@@ -29,6 +29,8 @@ std::string bound_text(double bound) {
 std::string shortest_text(float value) { return shortest(value); }
 std::string shortest_text(double value) { return shortest(value); }
 
+std::string entry_text(float value) { return value == 0.0f ? "0" : shortest(value); }
+
 const char *table_word(const vel_node_t *node) {
   switch (vel_node_get_category(node)) {
     case vel_category_decision: return "policy";

@@ -23,9 +23,9 @@ std::string field(const std::string &text) {
 
 }  // namespace
 
-void write_table_csv(std::ostream &out, vel_node_t *node) {
+void write_table_csv(std::ostream &out, vel_node_t *node, bool titled) {
   const detail::TableView view = detail::view_table(node);
-  out << "# " << vel_node_get_name(node) << " (" << table_word(node) << ")\n";
+  if (titled) out << "# " << vel_node_get_name(node) << " (" << table_word(node) << ")\n";
   bool first = true;
   auto cell = [&](const std::string &text) {
     if (!first) out << ',';
@@ -40,7 +40,7 @@ void write_table_csv(std::ostream &out, vel_node_t *node) {
     const std::vector<std::size_t> states = view.row_states(row);
     for (std::size_t i = 0; i < view.row_nodes.size(); ++i) cell(state_text(view.row_nodes[i], states[i]));
     for (std::size_t column = 0; column < view.columns.size(); ++column)
-      cell(shortest_text(view.entry(row, column)));
+      cell(entry_text(view.entry(row, column)));
     out << '\n';
   }
 }

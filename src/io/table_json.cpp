@@ -1,55 +1,57 @@
 // The JSON document of a run of generations.  Numbers are written by hand so
-// that each entry is the shortest text of its float (nlohmann-json would
-// print the float's double value); strings go through nlohmann-json for
-// escaping.
-#include <cmath>
+// that each entry is the shortest text of its float (a JSON library would
+// print the float's double value).
 #include <stdexcept>
 
-#include <nlohmann/json.hpp>
-
+#include "io/json_text.h"
 #include "io/table_output.h"
 
 namespace vel::io {
 
 namespace {
 
-// Bytes that are not UTF-8 (a file name in another encoding) become U+FFFD
-// rather than an exception halfway through the document.
-std::string json_string(const std::string &text) {
-  return nlohmann::json(text).dump(-1, ' ', false, nlohmann::json::error_handler_t::replace);
-}
-
-template <typename Real>
-std::string number(Real value) {
-  const std::string text = shortest_text(value);
-  return std::isfinite(value) ? text : json_string(text);
+template <typename Item>
+void write_list(std::ostream &out, std::size_t count, Item item) {
+  out << '[';
+  for (std::size_t i = 0; i < count; ++i) {
+    if (i) out << ", ";
+    item(i);
+  }
+  out << ']';
 }
 
 void write_table(std::ostream &out, vel_node_t *node) {
   vel_table_t *table = vel_node_get_table(node);
   if (!table) throw std::runtime_error(std::string("node ") + vel_node_get_name(node) + " has no table");
-  out << "{\"node\": " << json_string(vel_node_get_name(node))
-      << ", \"table\": " << json_string(table_word(node)) << ",\n     \"nodes\": [";
   vel_node_t *const *nodes = vel_table_get_nodes(table);
   const std::size_t count = vel_table_get_node_count(table);
-  for (std::size_t i = 0; i < count; ++i)
-    out << (i ? ", " : "") << json_string(vel_node_get_name(nodes[i]));
-  out << "],\n     \"data\": [";
+  out << "{\"node\": " << json_string(vel_node_get_name(node))
+      << ", \"table\": " << json_string(table_word(node)) << ",\n     \"nodes\": ";
+  write_list(out, count, [&](std::size_t i) { out << json_string(vel_node_get_name(nodes[i])); });
+  out << ",\n     \"states\": ";
+  write_list(out, count, [&](std::size_t i) {
+    write_list(out, vel_node_get_number_of_states(nodes[i]),
+               [&](std::size_t s) { out << json_string(state_text(nodes[i], s)); });
+  });
+  out << ",\n     \"shape\": ";
+  write_list(out, count, [&](std::size_t i) { out << vel_node_get_number_of_states(nodes[i]); });
+  out << ",\n     \"data\": ";
   const float *data = vel_table_get_data(table);
-  const std::size_t size = vel_table_get_size(table);
-  for (std::size_t i = 0; i < size; ++i) out << (i ? ", " : "") << number(data[i]);
-  out << "]}";
+  write_list(out, vel_table_get_size(table), [&](std::size_t i) { out << json_number(data[i]); });
+  out << '}';
 }
 
 }  // namespace
 
-std::string json_number(float value) { return number(value); }
-std::string json_number(double value) { return number(value); }
-
 std::string json_error(const GenerationError &error) {
-  const char *name = vel_error_name(error.code);
-  return "{\"code\": " + std::to_string(error.code) + ", \"name\": " + json_string(name ? name : "") +
-         ", \"node\": " + json_string(error.node) + "}";
+  return "{\"code\": " + std::to_string(error.code) + ", \"name\": " +
+         json_string(vel_error_name(error.code)) + ", \"node\": " + json_string(error.node) +
+         ", \"message\": " + json_string(error.message) + "}";
+}
+
+std::string json_load_error(const std::string &message) {
+  return "{\"code\": null, \"name\": \"load_error\", \"node\": null, \"message\": " +
+         json_string(message) + "}";
 }
 
 void write_json_document(std::ostream &out, const std::string &domain,

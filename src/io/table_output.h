@@ -18,31 +18,36 @@ const char *table_word(const vel_node_t *node);
 // non-finite values as "nan", "inf", "-inf".
 std::string shortest_text(float value);
 std::string shortest_text(double value);
+// A table entry for a person (text and CSV): its shortest text, with a
+// negative zero written as "0".
+std::string entry_text(float value);
 // A state as a person reads it: its label, false/true, its number, or an
 // interval "[lo;hi)" with unbounded ends as -inf and inf.
 std::string state_text(const vel_node_t *node, std::size_t state);
 
 // One table each.  The text layout has the parents' names and the node's
 // state names (or "utility") as headings; the CSV form is a "# NODE (word)"
-// line, a header row and one row per parent configuration.  Callers put a
-// blank line between two tables.  Throw std::runtime_error for a node that
-// has no table.
+// line (left out when `titled` is false), a header row and one row per
+// parent configuration.  Callers put a blank line between two tables.  Throw
+// std::runtime_error for a node that has no table.
 void write_table_text(std::ostream &out, vel_node_t *node);
-void write_table_csv(std::ostream &out, vel_node_t *node);
+void write_table_csv(std::ostream &out, vel_node_t *node, bool titled = true);
 
-// The failure that ended a run of generations.
+// The failure that ended a run: the library's code and explanation, and the
+// node it concerns.
 struct GenerationError {
   int code;
   std::string node;
+  std::string message;
 };
 
-// {"domain": ..., "tables": [...], "error": null or {"code", "name", "node"}}.
+// {"domain": ..., "tables": [...], "error": null or the error object}.
 void write_json_document(std::ostream &out, const std::string &domain,
                          const std::vector<vel_node_t *> &tables, const GenerationError *error);
-// A number for JSON: shortest_text, with non-finite values as strings.
-std::string json_number(float value);
-std::string json_number(double value);
-// {"code": 34, "name": "vel_error_invalid_expression", "node": "Temp"}
+// {"code": 34, "name": "vel_error_invalid_expression", "node": "Temp", "message": "..."}
 std::string json_error(const GenerationError &error);
+// The error object of a file that cannot be loaded: code and node null, name
+// "load_error", the loader's message.
+std::string json_load_error(const std::string &message);
 
 }  // namespace vel::io

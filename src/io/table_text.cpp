@@ -53,7 +53,7 @@ void write_table_text(std::ostream &out, vel_node_t *node) {
     const std::vector<std::size_t> states = view.row_states(row);
     for (std::size_t i = 0; i < headings; ++i) cells.push_back(state_text(view.row_nodes[i], states[i]));
     for (std::size_t column = 0; column < view.columns.size(); ++column)
-      cells.push_back(shortest_text(view.entry(row, column)));
+      cells.push_back(entry_text(view.entry(row, column)));
     lines.push_back(cells);
   }
 

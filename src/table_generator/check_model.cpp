@@ -1,5 +1,8 @@
 // The checks that precede generation, shared by the driver (which logs each
 // problem) and vel_node_check_model (which reports each through a callback).
+#include <cstdio>
+#include <string>
+
 #include "common/error.h"
 #include "table_generator/table_generator.h"
 
@@ -29,9 +32,41 @@ struct Reporter {
   vel_node_t *node;
 };
 
+// Hands one problem to the caller with the generator's sentence for it in
+// vel_error_message(), as the generation's log would have it.
+void hand_over(const Reporter &reporter, int kind, vel_node_t *node, size_t index,
+               const std::string &text) {
+  if (!reporter.report) return;
+  vel::set_error_message(text.c_str());
+  reporter.report(reporter.context, kind, node, index);
+}
+
+std::string formatted(const char *format, const char *a, const char *b = "") {
+  char text[512];
+  std::snprintf(text, sizeof text, format, a, b);
+  std::string line = text;
+  if (!line.empty() && line.back() == '\n') line.pop_back();
+  return line;
+}
+
 int report_expression(void *context, int kind, uint64_t index) {
   auto *reporter = static_cast<Reporter *>(context);
-  if (reporter->report) reporter->report(reporter->context, kind, reporter->node, index);
+  if (!reporter->report) return 0;
+  try {
+    const std::string number = std::to_string(index);
+    std::string text = formatted(kind == vel_check_missing_expression ? missing_expression_format
+                                                                       : invalid_expression_format,
+                                 number.c_str());
+    if (kind == vel_check_invalid_expression) {
+      vel_expression_t *expression = reporter->node->model->expressions[index];
+      char reason[512];
+      if (vel_node_explain_expression(reporter->node, expression, reason, sizeof reason) > 0)
+        text += std::string(": ") + reason;
+    }
+    hand_over(*reporter, kind, reporter->node, index, text);
+  } catch (...) {
+    hand_over(*reporter, kind, reporter->node, index, "");
+  }
   return 0;
 }
 
@@ -39,22 +74,13 @@ int report_expression(void *context, int kind, uint64_t index) {
 bool report_state_values(const Reporter &reporter, vel_node_t *node) {
   int verdict = state_values_verdict(node);
   if (verdict == 0) return false;
-  if (reporter.report) {
-    reporter.report(reporter.context, vel_check_state_values, node,
-                    static_cast<size_t>(verdict));
+  try {
+    hand_over(reporter, vel_check_state_values, node, static_cast<size_t>(verdict),
+              formatted(state_values_format, node->name, state_values_word(verdict)));
+  } catch (...) {
+    hand_over(reporter, vel_check_state_values, node, static_cast<size_t>(verdict), "");
   }
   return true;
-}
-
-// Number of model-node configurations, for a model without expressions.
-uint64_t configuration_count(const vel_model_t *model) {
-  uint64_t count = 1;
-  if (model->nodes != nullptr) {
-    for (vel_node_t *const *n = model->nodes; *n != nullptr; ++n) {
-      count = size_multiply(count, (*n)->state_count);
-    }
-  }
-  return count;
 }
 
 }  // namespace
@@ -75,9 +101,11 @@ extern "C" int vel_node_check_model(vel_node_t *node, vel_check_report_t report,
   }
 
   if (model->expressions == nullptr) {
-    uint64_t count = configuration_count(model);
-    for (uint64_t i = 0; i < count && report != nullptr; ++i) {
-      report(context, vel_check_missing_expression, node, i);
+    try {
+      hand_over(reporter, vel_check_unspecified_model, node, 0,
+                formatted(unspecified_model_format, node->name));
+    } catch (...) {
+      hand_over(reporter, vel_check_unspecified_model, node, 0, "");
     }
     return vel::fail(vel_error_invalid_expression);
   }

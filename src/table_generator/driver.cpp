@@ -9,6 +9,10 @@
 #include "host/host.h"
 #include "table_generator/table_generator.h"
 
+const char *const unspecified_model_format = "Model for %s is unspecified\n";
+const char *const missing_expression_format = "No expression at index %s\n";
+const char *const invalid_expression_format = "Invalid expression at index %s\n";
+
 size_t size_multiply(size_t a, size_t b) {
   if (a != 0 && b > SIZE_MAX / a) return SIZE_MAX;
   return a * b;
@@ -33,7 +37,7 @@ int report_unspecified(vel_node_t *node) {
   if (domain->log_file != nullptr) {
     const char *name = vel_node_get_name(node);
     if (name == nullptr) return _vel_error_code;
-    if (fprintf(domain->log_file, "Model for %s is unspecified\n", name) < 0) {
+    if (fprintf(domain->log_file, unspecified_model_format, name) < 0) {
       return vel::fail(vel_error_io);
     }
     if (_vel_domain_flush_log_file(domain) != 0) return _vel_error_code;
@@ -53,9 +57,8 @@ int check_state_values_of_node_and_parents(vel_node_t *node) {
 int log_expression_problem(void *context, int kind, uint64_t index) {
   vel_domain_t *domain = static_cast<vel_domain_t *>(context);
   if (domain->log_file == nullptr) return 0;
-  const char *format = kind == vel_check_missing_expression
-                           ? "No expression at index %s\n"
-                           : "Invalid expression at index %s\n";
+  const char *format =
+      kind == vel_check_missing_expression ? missing_expression_format : invalid_expression_format;
   if (fprintf(domain->log_file, format, _vel_print_size(domain, index)) < 0) {
     return vel::fail(vel_error_io);
   }

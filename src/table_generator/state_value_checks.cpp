@@ -14,16 +14,20 @@ int state_values_verdict(const vel_node_t *node) {
   return _vel_node_check_status_of_state_values(node);
 }
 
+const char *const state_values_format = "The state values of node %s %s.\n";
+
+const char *state_values_word(int verdict) {
+  return verdict == 1 ? "do not form an increasing sequence" : "use infinite values incorrectly";
+}
+
 extern "C" int _vel_check_state_values(vel_node_t *node) {
   int verdict = state_values_verdict(node);
   if (verdict == 0) return 0;
   FILE *log = node->domain->log_file;
   if (log == nullptr) return vel::fail(vel_error_invalid_state_values);
-  const char *word = verdict == 1 ? "do not form an increasing sequence"
-                                  : "use infinite values incorrectly";
   const char *name = vel_node_get_name(node);
   if (name == nullptr) return _vel_error_code;
-  if (fprintf(log, "The state values of node %s %s.\n", name, word) < 0) {
+  if (fprintf(log, state_values_format, name, state_values_word(verdict)) < 0) {
     return vel::fail(vel_error_io);
   }
   return vel::fail(vel_error_invalid_state_values);

@@ -61,6 +61,10 @@ int check_state_range(double lower, double upper, vel_node_t *node, uint64_t n,
                       uint32_t op, int truncated);
 
 // Generation (driver.cpp, generate_probability.cpp, generate_utility.cpp).
+// The driver's messages, each taking one %s (the node's name or an index).
+extern const char *const unspecified_model_format;
+extern const char *const missing_expression_format;
+extern const char *const invalid_expression_format;
 size_t size_multiply(size_t a, size_t b);
 int generate_probability(vel_table_t *table, double *work, float **data,
                          vel_expression_t **expressions, vel_node_t **nodes,
@@ -74,6 +78,10 @@ int compute_value(const vel_expression_t *expression, vel_node_t **nodes, double
 // check_model.cpp).  The host's verdict on the node's state values; 0 for
 // nodes the test does not apply to.
 int state_values_verdict(const vel_node_t *node);
+// The generator's sentence for a bad verdict: the format takes the node's
+// name and the word of the verdict.
+extern const char *const state_values_format;
+const char *state_values_word(int verdict);
 // Called for each missing (vel_check_missing_expression) or unfitting
 // (vel_check_invalid_expression) expression; nonzero ends the scan with it.
 typedef int (*expression_problem_t)(void *context, int kind, uint64_t index);

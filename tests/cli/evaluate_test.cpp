@@ -6,7 +6,6 @@
 
 namespace {
 
-using testing::StartsWith;
 using vel_test::data_file;
 using vel_test::run_vel;
 
@@ -17,17 +16,24 @@ struct Case {
   const char *value;  // nullptr: the evaluation fails
   int code;
   const char *error_name;
+  const char *message;
 };
 
+const char *const not_compiled = "a value from inference is needed but the domain is not compiled";
+const char *const invalid = "model without expressions, missing or unfitting expression, value "
+                            "without a state, or operator not applicable to the node";
+
 const Case cases[] = {
-    {"pump.yaml", "Net", "inference", "2.5625", 0, nullptr},
-    {"pump.yaml", "Flow", "configured", "9", 0, nullptr},
-    {"failures.yaml", "ByValue", "inference", nullptr, 34, "vel_error_invalid_expression"},
-    {"failures.yaml", "Ratio", "configured", nullptr, 36, "vel_error_division_by_zero"},
-    {"failures.yaml", "Unset", "configured", nullptr, 34, "vel_error_invalid_expression"},
-    {"uncompiled.yaml", "Power", "inference", nullptr, 17, "vel_error_not_compiled"},
-    {"uncompiled.yaml", "Power", "configured", "200", 0, nullptr},
-    {"uncompiled.yaml", "Load", "configured", nullptr, 1, "vel_error_usage"},
+    {"pump.yaml", "Net", "inference", "2.5625", 0, nullptr, nullptr},
+    {"pump.yaml", "Flow", "configured", "9", 0, nullptr, nullptr},
+    {"failures.yaml", "ByValue", "inference", nullptr, 34, "vel_error_invalid_expression", invalid},
+    {"failures.yaml", "Ratio", "configured", nullptr, 36, "vel_error_division_by_zero",
+     "division by zero in a numeric expression"},
+    {"failures.yaml", "Unset", "configured", nullptr, 34, "vel_error_invalid_expression", invalid},
+    {"uncompiled.yaml", "Power", "inference", nullptr, 17, "vel_error_not_compiled", not_compiled},
+    {"uncompiled.yaml", "Power", "configured", "200", 0, nullptr, nullptr},
+    {"uncompiled.yaml", "Load", "configured", nullptr, 1, "vel_error_usage",
+     "Load is not a real-valued function node"},
 };
 
 TEST(Evaluate, TextAndJsonInBothModes) {
@@ -51,20 +57,30 @@ TEST(Evaluate, TextAndJsonInBothModes) {
     const std::string error = "error " + std::to_string(c.code) + " (" + c.error_name + "): ";
     EXPECT_EQ(text.status, 1) << label;
     EXPECT_EQ(text.out, "") << label;
-    EXPECT_THAT(text.err, StartsWith(std::string("vel: ") + c.node + ": " + error)) << label;
+    EXPECT_EQ(text.err, std::string("vel: ") + c.node + ": " + error + c.message + "\n") << label;
     EXPECT_EQ(json.status, 1) << label;
     EXPECT_EQ(json.out, head + "\"value\": null, \"error\": {\"code\": " + std::to_string(c.code) +
-                            ", \"name\": \"" + c.error_name + "\", \"node\": \"" + c.node + "\"}}\n")
+                            ", \"name\": \"" + c.error_name + "\", \"node\": \"" + c.node +
+                            "\", \"message\": \"" + c.message + "\"}}\n")
         << label;
   }
 }
 
-TEST(Evaluate, UnknownNodeIsAUsageError) {
+TEST(Evaluate, UnknownNodeAndUnloadableFileAreUsageErrors) {
   const std::string file = data_file("functions/pump.yaml");
   const auto run = run_vel({"evaluate", file, "--node", "Nope", "--format", "json"});
   EXPECT_EQ(run.status, 2);
   EXPECT_EQ(run.out, "");
   EXPECT_EQ(run.err, "vel: " + file + ": no node named 'Nope'\n");
+  vel_test::TempDir directory;
+  const std::string broken = directory.write("broken.yaml", "nodes: [");
+  const auto load = run_vel({"evaluate", broken, "--node", "X", "--format", "json"});
+  EXPECT_EQ(load.status, 2);
+  const std::string message = broken + ":1:1: end of sequence flow not found";
+  EXPECT_EQ(load.err, message + "\n");
+  EXPECT_EQ(load.out, "{\"node\": \"X\", \"mode\": \"inference\", \"value\": null, \"error\": "
+                      "{\"code\": null, \"name\": \"load_error\", \"node\": null, \"message\": \"" +
+                          message + "\"}}\n");
 }
 
 }  // namespace

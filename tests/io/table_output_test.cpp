@@ -6,6 +6,7 @@
 #include <limits>
 #include <sstream>
 
+#include "io/json_text.h"
 #include "io/model_file.h"
 #include "io/table_output.h"
 
@@ -47,7 +48,7 @@ TEST_F(TableOutput, CsvQuotesFieldsAsRfc4180) {
             "# Temp (conditional probability)\n"
             "Season,[-inf;0),[0;10.5)\n"
             "winter,0.5,0.5\n"
-            "\"wet, \"\"cold\"\"\",0.33333334,-0\n"
+            "\"wet, \"\"cold\"\"\",0.33333334,0\n"
             "# Cost (utility)\n"
             "Season,Frost,utility\n"
             "winter,false,-40\n"
@@ -57,7 +58,7 @@ TEST_F(TableOutput, CsvQuotesFieldsAsRfc4180) {
 }
 
 TEST_F(TableOutput, JsonDocumentWithTheFailureThatEndedTheRun) {
-  const vel::io::GenerationError error{34, "Temp"};
+  const vel::io::GenerationError error{34, "Temp", "Node Temp: \"x\"\nsecond line"};
   vel::io::write_json_document(out_, model_.name, {node("Season"), node("Temp")}, &error);
   vel::io::write_json_document(out_, "pl\"ant\xff", {}, nullptr);  // escaped; not UTF-8: U+FFFD
   EXPECT_EQ(out_.str(),
@@ -66,12 +67,17 @@ TEST_F(TableOutput, JsonDocumentWithTheFailureThatEndedTheRun) {
             "  \"tables\": [\n"
             "    {\"node\": \"Season\", \"table\": \"conditional probability\",\n"
             "     \"nodes\": [\"Season\"],\n"
+            "     \"states\": [[\"winter\", \"wet, \\\"cold\\\"\"]],\n"
+            "     \"shape\": [2],\n"
             "     \"data\": [0.1, 0.9]},\n"
             "    {\"node\": \"Temp\", \"table\": \"conditional probability\",\n"
             "     \"nodes\": [\"Season\", \"Temp\"],\n"
+            "     \"states\": [[\"winter\", \"wet, \\\"cold\\\"\"], [\"[-inf;0)\", \"[0;10.5)\"]],\n"
+            "     \"shape\": [2, 2],\n"
             "     \"data\": [0.5, 0.5, 0.33333334, -0]}\n"
             "  ],\n"
-            "  \"error\": {\"code\": 34, \"name\": \"vel_error_invalid_expression\", \"node\": \"Temp\"}\n"
+            "  \"error\": {\"code\": 34, \"name\": \"vel_error_invalid_expression\", \"node\": \"Temp\", "
+            "\"message\": \"Node Temp: \\\"x\\\"\\nsecond line\"}\n"
             "}\n"
             "{\n  \"domain\": \"pl\\\"ant\xEF\xBF\xBD\",\n  \"tables\": [],\n  \"error\": null\n}\n");
 }

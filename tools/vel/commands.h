@@ -2,6 +2,7 @@
 // library reported a failure, 2 usage error or a file that cannot be loaded).
 #pragma once
 
+#include <cstddef>
 #include <string>
 #include <vector>
 
@@ -10,11 +11,19 @@ namespace vel::cli {
 struct GenerateOptions {
   std::string file;
   std::vector<std::string> nodes;
+  bool all = false;        // literal tables too
   std::string format = "text";
+  std::string output_dir;  // csv: one file per table
   bool log_given = false;  // --log: `log` is a path, or "-" for standard error
   std::string log;
   bool no_log = false;
   bool stats = false;
+};
+
+struct CheckOptions {
+  std::string file;
+  bool strict = false;
+  double max_entries = 1e8;
 };
 
 struct EvaluateOptions {
@@ -25,7 +34,7 @@ struct EvaluateOptions {
 };
 
 int run_generate(const GenerateOptions &options);
-int run_check(const std::string &file);
+int run_check(const CheckOptions &options);
 int run_evaluate(const EvaluateOptions &options);
 
 }  // namespace vel::cli

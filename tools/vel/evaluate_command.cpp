@@ -4,14 +4,31 @@
 #include <iostream>
 
 #include "commands.h"
+#include "io/json_text.h"
 #include "io/table_output.h"
 #include "messages.h"
 
 namespace vel::cli {
 
+namespace {
+
+// {"node": ..., "mode": ..., "value": ..., "error": ...}
+void write_json(const EvaluateOptions &options, const std::string &value, const std::string &error) {
+  std::cout << "{\"node\": " << io::json_string(options.node) << ", \"mode\": "
+            << io::json_string(options.mode) << ", \"value\": " << value << ", \"error\": " << error
+            << "}\n";
+}
+
+}  // namespace
+
 int run_evaluate(const EvaluateOptions &options) {
-  std::optional<io::LoadedModel> model = load_or_report(options.file);
-  if (!model) return 2;
+  const bool json = options.format == "json";
+  std::string load_message;
+  std::optional<io::LoadedModel> model = load_or_report(options.file, &load_message);
+  if (!model) {
+    if (json) write_json(options, "null", io::json_load_error(load_message));
+    return 2;
+  }
   vel_node_t *node = vel_domain_get_node_by_name(model->domain.get(), options.node.c_str());
   if (!node) {
     report_unknown_node(options.file, options.node);
@@ -21,17 +38,12 @@ int run_evaluate(const EvaluateOptions &options) {
   const int mode = options.mode == "configured" ? vel_mode_configured : vel_mode_inference;
   double value = 0.0;
   const int code = vel_node_compute_value(node, mode, &value);
-
-  if (options.format == "json") {
-    std::cout << "{\"node\": \"" << options.node << "\", \"mode\": \"" << options.mode << "\", \"value\": "
-              << (code ? "null" : io::json_number(value)) << ", \"error\": "
-              << (code ? io::json_error({code, options.node}) : "null") << "}\n";
-  } else if (code == 0) {
-    std::cout << io::shortest_text(value) << '\n';
-  }
+  const io::GenerationError failure{code, options.node, code ? vel_error_message() : ""};
+  if (json) write_json(options, code ? "null" : io::json_number(value), code ? io::json_error(failure) : "null");
+  else if (code == 0) std::cout << io::shortest_text(value) << '\n';
   std::cout.flush();
   if (code != 0) {
-    report_library_failure(options.node, code);
+    report_library_failure(options.node, code, failure.message);
     return 1;
   }
   return 0;

@@ -7,29 +7,44 @@
 #include "commands.h"
 #include "version.h"
 
+namespace {
+
+constexpr const char *description =
+    "Generates the tables of the nodes of a model file from their models.\n"
+    "The expression language is described in docs/expressions.md.";
+
+}  // namespace
+
 int main(int argc, char **argv) {
   using namespace vel::cli;
-  CLI::App app{"Generates the tables of the nodes of a model file from their models.", "vel"};
+  CLI::App app{description, "vel"};
   app.set_version_flag("--version", std::string("vel ") + program_version);
   app.require_subcommand(1);
 
   GenerateOptions generate;
   CLI::App *generate_command = app.add_subcommand("generate", "Generate tables and print them");
   generate_command->add_option("FILE", generate.file, "Model file")->required();
-  generate_command
+  CLI::Option *node = generate_command
       ->add_option("--node", generate.nodes, "Generate this node (repeatable; default: every node with a model)")
       ->allow_extra_args(false);
-  generate_command->add_option("--format", generate.format, "Output format (default text)")
+  generate_command->add_flag("--all", generate.all, "Also print the literal tables (the whole network)")
+      ->excludes(node);
+  CLI::Option *format = generate_command->add_option("--format", generate.format, "Output format (default text)")
       ->check(CLI::IsMember({"text", "json", "csv", "none"}));
+  generate_command->add_option("--output-dir", generate.output_dir, "With --format csv: one file DIR/NODE.csv per table")
+      ->needs(format);
   CLI::Option *log = generate_command->add_option(
       "--log", generate.log, "Write every log line to PATH ('-': standard error)");
   CLI::Option *no_log = generate_command->add_flag("--no-log", generate.no_log, "Run without a log");
   log->excludes(no_log);
   generate_command->add_flag("--stats", generate.stats, "Report entries and time per table on standard error");
 
-  std::string check_file;
+  CheckOptions check;
   CLI::App *check_command = app.add_subcommand("check", "Check every model without generating");
-  check_command->add_option("FILE", check_file, "Model file")->required();
+  check_command->add_option("FILE", check.file, "Model file")->required();
+  check_command->add_flag("--strict", check.strict, "Exit with status 1 on warnings too");
+  check_command->add_option("--max-entries", check.max_entries, "Larger tables are reported, not generated (default 1e8)")
+      ->check(CLI::NonNegativeNumber);
 
   EvaluateOptions evaluate;
   CLI::App *evaluate_command = app.add_subcommand("evaluate", "Compute a real-valued function node's value");
@@ -42,6 +57,8 @@ int main(int argc, char **argv) {
 
   try {
     app.parse(argc, argv);
+    if (!generate.output_dir.empty() && generate.format != "csv")
+      throw CLI::ValidationError("--output-dir", "needs --format csv");
   } catch (const CLI::ParseError &error) {
     // Help and version end with status 0; every argument error is a usage
     // error, status 2, whatever code the parser would give it.
@@ -53,7 +70,7 @@ int main(int argc, char **argv) {
       generate.log_given = log->count() > 0;
       return run_generate(generate);
     }
-    if (*check_command) return run_check(check_file);
+    if (*check_command) return run_check(check);
     return run_evaluate(evaluate);
   } catch (const std::exception &error) {
     // Running out of memory, say: a message rather than an abort.

@@ -1,4 +1,5 @@
-// Messages the program writes on standard error.
+// Messages the program writes on standard error, and the explanation of a
+// library failure that goes into them.
 #pragma once
 
 #include <optional>
@@ -8,12 +9,19 @@
 
 namespace vel::cli {
 
-// Loads the model file, or writes the loader's message and returns nothing
-// (exit status 2).
-std::optional<io::LoadedModel> load_or_report(const std::string &file);
+// Loads the file, or writes the loader's message ("FILE:LINE:COLUMN: ...")
+// and returns nothing (exit status 2); `message`, when given, receives it for
+// a JSON document.
+std::optional<io::LoadedModel> load_or_report(const std::string &file,
+                                              std::string *message = nullptr);
 
-// "vel: NODE: error 34 (vel_error_invalid_expression): <description>"
-void report_library_failure(const std::string &node, int code);
+// Why the last generation of `node` failed with `code`.  The library keeps
+// the explanation when the domain had a log; without one the node is
+// generated once more, in scratch storage, with a private log to obtain it.
+std::string generation_failure(vel_node_t *node, int code);
+
+// "vel: NODE: error 34 (vel_error_invalid_expression): MESSAGE"
+void report_library_failure(const std::string &node, int code, const std::string &message);
 
 // "vel: FILE: no node named 'X'"
 void report_unknown_node(const std::string &file, const std::string &name);
