@@ -2,7 +2,7 @@
 # Installs what vel needs to build and test, from Debian's packages.
 set -euo pipefail
 
-packages=(g++ cmake make libgtest-dev libgmock-dev libbenchmark-dev
+packages=(g++ gcc cmake make pkgconf libgtest-dev libgmock-dev libbenchmark-dev
           libyaml-cpp-dev nlohmann-json3-dev libcli11-dev python3-mpmath)
 
 missing=()

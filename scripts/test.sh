@@ -2,17 +2,25 @@
 # Sets up, builds and runs the whole test suite.
 #   scripts/test.sh            normal build in build/
 #   scripts/test.sh --sanitize the same suite with the sanitizers, in build-sanitize/
+# The set-up and build output goes to BUILD/test-build.log and is shown only
+# when something fails; what remains is the test summary.
 set -euo pipefail
 cd "$(dirname "$0")/.."
-bash scripts/setup.sh
 
 build=build
 flags=()
 if [ "${1:-}" = "--sanitize" ]; then
   build=build-sanitize
-  flags=(-DVEL_SANITIZE=ON -DVEL_BUILD_BENCH=OFF)
+  flags=(-DVEL_SANITIZE=ON)
 fi
 
-cmake -S . -B "$build" "${flags[@]}" >/dev/null
-cmake --build "$build" -j"$(nproc)"
+mkdir -p "$build"
+log="$build/test-build.log"
+if ! { bash scripts/setup.sh &&
+       cmake -S . -B "$build" "${flags[@]}" &&
+       cmake --build "$build" -j"$(nproc)"; } >"$log" 2>&1; then
+  cat "$log" >&2
+  echo "test: setting up or building failed; the output above is also in $log" >&2
+  exit 1
+fi
 ctest --test-dir "$build" --output-on-failure -j"$(nproc)"

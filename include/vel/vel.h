@@ -293,9 +293,14 @@ size_t vel_expression_print(const vel_expression_t *expression, char *buffer, si
 /* ------------------------------------------------------------------------ */
 /* Tables                                                                    */
 
+/* The largest table the library makes: 2^32 entries (16 GiB of floats). */
+static const uint64_t vel_max_table_entries = (uint64_t)1 << 32;
+
 /* The node's table, created if needed: its nodes in storage order are the
  * node's discrete parents in parent order, then the node itself when it has
- * states.  NULL for a real-valued function node. */
+ * states.  NULL for a real-valued function node, and for a table of more
+ * than vel_max_table_entries entries (vel_error_too_large, refused before
+ * anything is allocated). */
 vel_table_t *vel_node_get_table(vel_node_t *node);
 vel_node_t *const *vel_table_get_nodes(const vel_table_t *table);
 size_t vel_table_get_node_count(const vel_table_t *table);
@@ -391,7 +396,9 @@ int vel_node_set_configured_value(vel_node_t *node, double value);
 double vel_node_get_value(vel_node_t *node);
 /* Value of a real-valued function node in either mode (vel_mode_inference or
  * vel_mode_configured), cached per mode like vel_node_get_value's.  Stores
- * it in *value and returns 0, or returns the error code (value untouched). */
+ * it in *value and returns 0, or returns the error code (value untouched)
+ * with vel_error_message() saying why (the code's description when the
+ * evaluation has nothing more to say). */
 int vel_node_compute_value(vel_node_t *node, int mode, double *value);
 
 #ifdef __cplusplus

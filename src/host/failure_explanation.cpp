@@ -106,8 +106,11 @@ const char *refusal(const vel_node_t *node) {
   return "is a real-valued function node and has no table";
 }
 
+// The log's explanation; else what a host operation said when it failed
+// (the table was too large, say); else the code's description.
 void explain(int code, const std::string &text) {
-  vel::set_error_message(text.empty() ? vel_error_description(code) : text.c_str());
+  if (!text.empty()) vel::set_error_message(text.c_str());
+  else if (vel_error_message()[0] == '\0') vel::set_error_message(vel_error_description(code));
 }
 
 }  // namespace

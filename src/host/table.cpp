@@ -96,10 +96,18 @@ vel_table_t *vel_node_get_table(vel_node_t *node) {
     std::vector<vel_node_t *> nodes = table_nodes(node);
     uint64_t size = 1;
     for (vel_node_t *table_node : nodes)
-      if (table_node && __builtin_mul_overflow(size, table_node->state_count, &size)) {
-        vel::fail(vel_error_out_of_memory);
-        return nullptr;
-      }
+      if (table_node && __builtin_mul_overflow(size, table_node->state_count, &size))
+        size = UINT64_MAX;
+    if (size > vel_max_table_entries) {
+      // Refused before anything is allocated.
+      vel::set_error_message(("the table of " + std::string(node->name) + " would have " +
+                              (size == UINT64_MAX ? std::string("more than 2^64")
+                                                  : std::to_string(size)) +
+                              " entries, more than the limit of 2^32")
+                                 .c_str());
+      vel::fail(vel_error_too_large);
+      return nullptr;
+    }
     std::vector<float> data(size, 0.0f);
     if (!storage.table) storage.table = std::make_unique<TableStorage>();
     TableStorage &table = *storage.table;

@@ -101,7 +101,8 @@ TEST_F(BuilderTest, Refusals) {
   vel_domain_delete(other);
 }
 
-// 2^64 model configurations; a table of 2^65 entries cannot be had.
+// 2^64 model configurations; a table of 2^65 entries (or of anything beyond
+// 2^32) is refused as too large, naming the limit.
 TEST_F(BuilderTest, SizesThatOverflow) {
   vel_node_t *child = discrete("Child", vel_subtype_labeled, 2);
   std::vector<vel_node_t *> nodes;
@@ -110,7 +111,9 @@ TEST_F(BuilderTest, SizesThatOverflow) {
     ASSERT_EQ(vel_node_add_parent(child, nodes.back()), 0);
   }
   EXPECT_EQ(code_of(model_over(child, nodes)), vel_error_usage);
-  EXPECT_EQ(code_of(vel_node_get_table(child)), vel_error_out_of_memory);
+  EXPECT_EQ(code_of(vel_node_get_table(child)), vel_error_too_large);
+  EXPECT_STREQ(vel_error_message(),
+               "the table of Child would have more than 2^64 entries, more than the limit of 2^32");
   // A model over some of them: a new count of a model node must keep the size in range.
   vel_model_t *model = model_over(child, {nodes[0]});
   ASSERT_NE(model, nullptr);
