@@ -245,6 +245,10 @@ int vel_model_set_expression(vel_model_t *model, size_t index, vel_expression_t 
 int vel_model_set_expressions(vel_model_t *model, vel_expression_t *const *expressions,
                               size_t count);
 vel_expression_t *vel_model_get_expression(const vel_model_t *model, size_t index);
+/* The largest number of sample points per interval-parent state.  Each
+ * interval parent multiplies a row's evaluations by it. */
+static const uint64_t vel_max_samples_per_interval = 1000000;
+/* 1 to vel_max_samples_per_interval (beyond it: vel_error_too_large). */
 int vel_model_set_samples_per_interval(vel_model_t *model, size_t samples);
 size_t vel_model_get_samples_per_interval(const vel_model_t *model);
 int vel_model_get_tables_outdated(const vel_model_t *model);

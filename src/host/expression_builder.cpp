@@ -36,20 +36,45 @@ std::string operator_text(const OperatorInfo &info) {
   return info.is_call ? std::string(info.name) : std::string("operator ") + info.name;
 }
 
+// Marks the arguments seen so far, so that a repeated one is found in one
+// pass; every mark is taken back when the check ends.
+class SeenArguments {
+ public:
+  SeenArguments(vel_expression_t *const *arguments) : arguments_(arguments) {}
+  ~SeenArguments() {
+    for (int i = 0; i < marked_; ++i)
+      if (arguments_[i]->owner == &mark_) arguments_[i]->owner = nullptr;
+  }
+  bool seen(const vel_expression_t *argument) const { return argument->owner == &mark_; }
+  void add(int i) {
+    arguments_[i]->owner = &mark_;
+    marked_ = i + 1;
+  }
+
+ private:
+  vel_expression_t *const *arguments_;
+  int marked_ = 0;
+  char mark_ = 0;
+};
+
 // Why the argument list does not suit the operator; empty when it does.
 std::string argument_error(const OperatorInfo &info, vel_expression_t *const *arguments,
                            int count) {
   if (!vel::host::arity_fits(info, count))
     return vel::host::arity_message(info, static_cast<std::size_t>(count));
+  SeenArguments seen(arguments);
   for (int i = 0; i < count; ++i) {
     const vel_expression_t *argument = arguments[i];
+    if (seen.seen(argument)) {
+      int j = 0;
+      while (arguments[j] != argument) ++j;
+      return "argument " + std::to_string(i + 1) + " of " + operator_text(info) +
+             " repeats argument " + std::to_string(j + 1);
+    }
     if (argument->owner)
       return "argument " + std::to_string(i + 1) + " of " + operator_text(info) +
              " already belongs to another expression or model";
-    for (int j = 0; j < i; ++j)
-      if (arguments[j] == argument)
-        return "argument " + std::to_string(i + 1) + " of " + operator_text(info) +
-               " repeats argument " + std::to_string(j + 1);
+    seen.add(i);
     if (i < 32 && (info.node_arguments >> i & 1u) && argument->operator_ != vel_op_node)
       return "argument " + std::to_string(i + 1) + " of " + operator_text(info) +
              " must be a node reference";
@@ -161,7 +186,10 @@ vel_expression_t *vel_make_operator(int code, vel_expression_t *const *arguments
     expression->depth = depth + 1;
     expression->argument_count = static_cast<uint32_t>(count);
     expression->arguments = list.release();
-    for (int i = 0; i < count; ++i) expression->arguments[i]->owner = expression;
+    for (int i = 0; i < count; ++i) {
+      expression->arguments[i]->owner = expression;
+      expression->arguments[i]->position = static_cast<uint64_t>(i);
+    }
     _vel_error_code = 0;
     return expression;
   });

@@ -51,6 +51,7 @@ int64_t reads_function_values(const vel_model_t *model) {
 // The model's expressions changed: its table must be generated again, and a
 // function node's cached values no longer hold.
 void model_changed(vel_model_t *model) {
+  vel::host::storage_of(model).references_known = false;
   model->tables_outdated = 1;
   model->function_value_use = reads_function_values(model);
   vel::host::track_inference_reads(model);
@@ -234,6 +235,10 @@ vel_expression_t *vel_model_get_expression(const vel_model_t *model, size_t inde
 int vel_model_set_samples_per_interval(vel_model_t *model, size_t samples) {
   if (!model) return usage("vel_model_set_samples_per_interval: model is NULL");
   if (samples == 0) return usage("samples per interval must be at least 1");
+  if (samples > vel_max_samples_per_interval) {
+    vel::set_error_message("samples per interval must be at most 1000000");
+    return vel::fail(vel_error_too_large);
+  }
   model->samples_per_interval = samples;
   model->tables_outdated = 1;
   return _vel_error_code = 0;

@@ -95,10 +95,11 @@ vel_node_t *vel_domain_new_node(vel_domain_t *domain, int category, int kind, in
       node.evidence.value = 0.0;
     }
     node.index = host.nodes.size();
+    node.topological_order = host.next_topological_order++;
     node.name = storage->name.data();
     vel::host::sync_labels(*storage);
     vel::host::sync_node_lists(*storage);
-    host.nodes.reserve(host.nodes.size() + 1);
+    vel::host::reserve_more(host.nodes, 1);
     host.by_name.emplace(storage->name, &node);
     host.nodes.push_back(std::move(storage));  // cannot throw: reserved
     if (domain->last_node)

@@ -1,5 +1,7 @@
 // The edges of the graph: parents and children of nodes.
+#include <algorithm>
 #include <string>
+#include <unordered_set>
 #include <vector>
 
 #include "host/api_guard_internal.h"
@@ -14,20 +16,59 @@ namespace {
 
 vel_node_t *const empty_list[] = {nullptr};
 
-// Whether `target` is reachable from `start` along child edges.
-bool reaches(const vel_node_t *start, const vel_node_t *target) {
-  std::vector<char> seen(start->domain->host->nodes.size(), 0);
-  std::vector<const vel_node_t *> pending{start};
+// The nodes reachable from `start` along `next` edges (children or parents)
+// whose topological order lies within [low, high]; false as soon as `stop`
+// is met.
+template <typename Next>
+bool collect(vel_node_t *start, uint64_t low, uint64_t high, const vel_node_t *stop, Next next,
+             std::vector<vel_node_t *> &found) {
+  std::unordered_set<const vel_node_t *> seen{start};
+  std::vector<vel_node_t *> pending{start};
   while (!pending.empty()) {
-    const vel_node_t *node = pending.back();
+    vel_node_t *node = pending.back();
     pending.pop_back();
-    if (node == target) return true;
-    if (seen[node->index]) continue;
-    seen[node->index] = 1;
-    for (vel_node_t *const *child = node->children; child && *child; ++child)
-      pending.push_back(*child);
+    if (node == stop) return false;
+    found.push_back(node);
+    for (vel_node_t *const *other = next(node); other && *other; ++other) {
+      const uint64_t order = (*other)->topological_order;
+      if (order >= low && order <= high && seen.insert(*other).second) pending.push_back(*other);
+    }
   }
-  return false;
+  return true;
+}
+
+// Keeps every edge going from a lower to a higher topological order
+// (Pearce and Kelly's dynamic topological sort), so that an edge that agrees
+// with the order is accepted at once and one that does not costs only the
+// nodes between its ends.  False when the edge would close a directed cycle;
+// the order is then untouched.
+bool order_for_edge(vel_node_t *parent, vel_node_t *child) {
+  const uint64_t low = child->topological_order, high = parent->topological_order;
+  if (high < low) return true;
+  std::vector<vel_node_t *> below, above;
+  if (!collect(child, low, high, parent, [](vel_node_t *n) { return n->children; }, below))
+    return false;
+  collect(parent, low, high, nullptr, [](vel_node_t *n) { return n->parents; }, above);
+  auto by_order = [](const vel_node_t *a, const vel_node_t *b) {
+    return a->topological_order < b->topological_order;
+  };
+  std::sort(below.begin(), below.end(), by_order);
+  std::sort(above.begin(), above.end(), by_order);
+  std::vector<uint64_t> orders;
+  orders.reserve(below.size() + above.size());
+  for (const vel_node_t *n : above) orders.push_back(n->topological_order);
+  for (const vel_node_t *n : below) orders.push_back(n->topological_order);
+  std::sort(orders.begin(), orders.end());
+  // The parent's ancestors in the window take the lower orders, the child's
+  // descendants the higher ones, each group keeping its own sequence.
+  std::size_t i = 0;
+  for (vel_node_t *n : above) n->topological_order = orders[i++];
+  for (vel_node_t *n : below) n->topological_order = orders[i++];
+  return true;
+}
+
+uint64_t edge_key(const vel_node_t *parent, const vel_node_t *child) {
+  return parent->index << 32 | child->index;
 }
 
 void append(std::vector<vel_node_t *> &list, vel_node_t *node) {
@@ -47,14 +88,17 @@ int vel_node_add_parent(vel_node_t *node, vel_node_t *parent) {
     if (parent->domain != node->domain)
       return usage("cannot add " + names + ": the nodes belong to different domains");
     if (parent == node) return usage("cannot add " + names + ": a node cannot be its own parent");
-    if (_vel_node_in_list(parent, node->parents))
+    vel_host_domain_data &domain = *node->domain->host;
+    if (domain.edges.count(edge_key(parent, node)))
       return usage("cannot add " + names + ": it is a parent already");
-    if (reaches(node, parent)) return usage("cannot add " + names + ": it would close a directed cycle");
+    if (!order_for_edge(parent, node))
+      return usage("cannot add " + names + ": it would close a directed cycle");
 
     NodeStorage &child_storage = vel::host::storage_of(node);
     NodeStorage &parent_storage = vel::host::storage_of(parent);
-    child_storage.parents.reserve(child_storage.parents.size() + 2);
-    parent_storage.children.reserve(parent_storage.children.size() + 2);
+    vel::host::reserve_more(child_storage.parents, 2);
+    vel::host::reserve_more(parent_storage.children, 2);
+    domain.edges.insert(edge_key(parent, node));
     append(child_storage.parents, parent);  // cannot throw from here on: reserved
     append(parent_storage.children, node);
     ++node->parent_count;

@@ -112,6 +112,17 @@ struct vel_node_s {
   uint64_t child_count;
   uint64_t index;                  // position in the domain's node list
   double propagated_variance;      // continuous: variance after propagation
+  uint64_t topological_order;      // parents always have lower orders than their children
+  // Scratch of the module's walks over the node graph, which must work at any
+  // depth without allocating: the links of their worklists and, for a node
+  // whose function value is being computed, where its computation resumes.
+  vel_node_t *walk_next;           // marking and clearing of a computation's ancestors
+  vel_node_t *invalidation_next;   // invalidation of cached function values
+  vel_node_t *walk_caller;         // the node whose computation waits for this one
+  const vel_expression_t *walk_root;  // the expression being evaluated
+  const vel_expression_t *walk_at;    // the reference or variance it waits at
+  uint64_t walk_index;             // the model node it waits for
+  int32_t walk_stage;              // 0: no computation under way
 };
 
 // Operand of an expression, chosen by its operator code.
@@ -129,6 +140,7 @@ struct vel_expression_s {
   // ---- host-only fields ----
   uint32_t depth;       // height of the tree below and including this record
   uint32_t argument_count;
+  uint64_t position;    // index in the owner's argument array, when the owner is an expression
 };
 
 typedef struct vel_collection_s vel_collection_t;

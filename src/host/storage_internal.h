@@ -3,11 +3,14 @@
 // records, never inside them, so the records stay plain.
 #pragma once
 
+#include <algorithm>
+#include <cstddef>
 #include <cstdint>
 #include <cstdio>
 #include <memory>
 #include <string>
 #include <unordered_map>
+#include <unordered_set>
 #include <vector>
 
 #include "host/records.h"
@@ -25,6 +28,10 @@ struct ModelStorage {
   std::vector<vel_node_t *> nodes;               // NULL-terminated
   std::vector<vel_expression_t *> expressions;  // count + 1 entries (trailing NULL) once created
   bool reads_inference = false;  // listed in the domain's inference_readers
+  // The nodes the expressions refer to, sorted; made on the first question
+  // after the expressions change.
+  std::vector<const vel_node_t *> references;
+  bool references_known = false;
   ModelStorage() = default;
   ModelStorage(const ModelStorage &) = delete;
   ModelStorage &operator=(const ModelStorage &) = delete;
@@ -51,6 +58,9 @@ struct vel_host_domain_data {
   vel_junction_tree_s junction_tree{};
   std::vector<std::unique_ptr<vel::host::NodeStorage>> nodes;  // in node-list order
   std::unordered_map<std::string, vel_node_t *> by_name;
+  // Every parent edge, as parent index << 32 | child index.
+  std::unordered_set<uint64_t> edges;
+  uint64_t next_topological_order = 0;
   uint64_t table_version = 0;  // bumped whenever a table's contents change
   // Models whose tables are generated from results of inference.
   std::vector<vel_model_t *> inference_readers;
@@ -70,6 +80,14 @@ inline NodeStorage &storage_of(const vel_node_t *node) {
 
 inline ModelStorage &storage_of(const vel_model_t *model) {
   return *storage_of(model->node).model;
+}
+
+// Room for `extra` more elements, growing geometrically so that appending
+// one at a time stays linear; after it, that many push_backs cannot throw.
+template <typename T>
+void reserve_more(std::vector<T> &list, std::size_t extra) {
+  if (list.capacity() - list.size() >= extra) return;
+  list.reserve(std::max(list.size() + extra, 2 * list.capacity()));
 }
 
 // Points the record's list fields at the containers after they changed.

@@ -7,6 +7,7 @@
 #include <vector>
 
 #include "io/loader_parts.h"
+#include "io/yaml_documents.h"
 #include "io/yaml_reading.h"
 
 namespace vel::io {
@@ -61,10 +62,7 @@ LoadedModel build(const Source &source, const YAML::Node &root) {
 LoadedModel load_model_text(const std::string &text, const std::string &file_name) {
   const Source source{file_name};
   try {
-    const std::vector<YAML::Node> documents = YAML::LoadAll(text);
-    for (std::size_t i = 1; i < documents.size(); ++i)
-      if (!documents[i].IsNull()) source.fail(documents[i], "a model file holds one YAML document");
-    return build(source, documents.empty() ? YAML::Node() : documents[0]);
+    return build(source, detail::load_single_document(source, text));
   } catch (const YAML::Exception &error) {
     // Malformed YAML, and anything else yaml-cpp refuses, at its own mark.
     source.fail(error.mark, error.msg);

@@ -1,6 +1,7 @@
 // First stage of loading: every node with its name, category, type and states.
 #include <cmath>
 #include <string>
+#include <unordered_set>
 #include <vector>
 
 #include "io/loader_parts.h"
@@ -116,6 +117,7 @@ void set_states(const Source &source, NodeDecl &decl, int subtype) {
 std::vector<NodeDecl> declare_nodes(const Source &source, const Entry &nodes, vel_domain_t *domain) {
   require_sequence(source, nodes, "'nodes'");
   std::vector<NodeDecl> decls;
+  std::unordered_set<std::string> names;
   for (const YAML::Node &map : nodes.value) {
     check_mapping(source, map,
                   {"name", "category", "type", "states", "parents", "model", "table", "beliefs",
@@ -126,8 +128,8 @@ std::vector<NodeDecl> declare_nodes(const Source &source, const Entry &nodes, ve
     NodeDecl decl{map, name.key, read_text(source, name, "a node name"), nullptr, {}};
     decl.where.name = position_of(name.value_mark());
     if (!is_identifier(decl.name)) source.fail(name.value_mark(), "invalid node name '" + decl.name + "'");
-    for (const NodeDecl &earlier : decls)
-      if (earlier.name == decl.name) source.fail(name.value_mark(), "duplicate node name '" + decl.name + "'");
+    if (!names.insert(decl.name).second)
+      source.fail(name.value_mark(), "duplicate node name '" + decl.name + "'");
 
     const int category = read_category(source, find(map, "category"));
     const NodeType type = read_type(source, find(map, "type"), category, map, decl.name);

@@ -101,6 +101,17 @@ void attach_model(const Source &source, NodeDecl &decl, const Entry &entry,
   if (!is_null(expressions)) read_expressions(source, decl, model, expressions);
 }
 
+// Entries of the node's table: its discrete parents' states, then its own;
+// the largest size when the product overflows.
+std::size_t table_size(vel_node_t *node) {
+  std::size_t size = vel_node_get_kind(node) == vel_kind_discrete ? vel_node_get_number_of_states(node) : 1;
+  for (vel_node_t *const *parent = vel_node_get_parents(node); *parent; ++parent)
+    if (vel_node_get_kind(*parent) == vel_kind_discrete &&
+        __builtin_mul_overflow(size, vel_node_get_number_of_states(*parent), &size))
+      return SIZE_MAX;
+  return size;
+}
+
 void attach_table(const Source &source, NodeDecl &decl, const Entry &entry) {
   decl.where.table = position_of(entry.key.Mark());
   const int kind = vel_node_get_kind(decl.node);
@@ -108,13 +119,15 @@ void attach_table(const Source &source, NodeDecl &decl, const Entry &entry) {
   if (kind < 0 && vel_node_get_category(decl.node) == vel_category_function)
     source.fail(entry.key, "real-valued function node '" + decl.name + "' takes no table");
   require_sequence(source, entry, "'table'");
-  vel_table_t *table = vel_node_get_table(decl.node);
-  if (!table) source.fail(entry.key, "cannot make the table of '" + decl.name + "': " + library_reason());
-  const std::size_t size = vel_table_get_size(table);
+  // The length is checked against the table's size before the table is made,
+  // so that a short list never costs the memory of a huge table.
+  const std::size_t size = table_size(decl.node);
   const std::size_t count = entry.value.size();
   if (count != size)
     source.fail(entry.key, "the table of '" + decl.name + "' needs " + std::to_string(size) +
                                " entries; found " + std::to_string(count));
+  if (!vel_node_get_table(decl.node))
+    source.fail(entry.key, "cannot make the table of '" + decl.name + "': " + library_reason());
   std::vector<double> entries;
   entries.reserve(count);
   for (const YAML::Node &item : entry.value) {

@@ -121,13 +121,14 @@ double read_number(const Source &source, const YAML::Node &at, std::string_view 
 }
 
 std::size_t read_count(const Source &source, const Entry &entry) {
-  const std::string message = "samples_per_interval must be an integer of at least 1";
+  const std::string message = "samples_per_interval must be an integer from 1 to " +
+                              std::to_string(vel_max_samples_per_interval);
   if (!entry.value.IsScalar()) source.fail(entry.value_mark(), message);
   const std::string &text = entry.value.Scalar();
   unsigned long long count = 0;
   const auto [end, error] = std::from_chars(text.data(), text.data() + text.size(), count);
   if (error != std::errc() || end != text.data() + text.size() || count < 1 ||
-      count > std::numeric_limits<std::size_t>::max())
+      count > vel_max_samples_per_interval)
     source.fail(entry.value_mark(), message);
   return static_cast<std::size_t>(count);
 }

@@ -48,7 +48,7 @@ bool read_truth(const Source &source, const Entry &entry);
 // +-vel_infinity, and NaN (".nan", "nan").
 // Throws at `at` if the scalar is no number.
 double read_number(const Source &source, const YAML::Node &at, std::string_view what);
-// An integer of at least 1 (samples per interval).
+// An integer from 1 to vel_max_samples_per_interval (samples per interval).
 std::size_t read_count(const Source &source, const Entry &entry);
 // A sequence (the value of `entry`), with `what` naming it.
 void require_sequence(const Source &source, const Entry &entry, std::string_view what);

@@ -33,28 +33,40 @@ void initialize_domain(vel_domain_t *domain) {
 
 extern "C" {
 
+// Iterative, so that a chain of any length is walked without deep
+// recursion; the nodes to go on from are linked through their
+// invalidation_next fields.  Each node is invalidated once: one that is
+// already invalid has nothing cached, and neither has anything computed from
+// it since, so the walk stops there.
 void _vel_invalidate_function_value(vel_node_t *node, uint32_t mode) {
   if (node == nullptr || mode > vel_mode_configured) return;
-  // An invalid node has nothing cached, and neither has anything computed
-  // from it since: the walk stops here.
-  if (node->function_status[mode] < 0) return;
-  node->function_status[mode] = -1;
-  for (vel_node_t **c = node->children; c != nullptr && *c != nullptr; ++c) {
-    vel_node_t *child = *c;
-    if (!model_uses_node(child->model, node)) continue;
-    if (is_real_function(child)) {
-      _vel_invalidate_function_value(child, mode);
-    } else if (mode == vel_mode_inference) {
-      // Tables are generated from values of mode 0 only.
-      _vel_node_touch_model(child);
+  vel_node_t *pending = nullptr;
+  auto invalidate = [&](vel_node_t *n) {
+    if (n->function_status[mode] < 0) return;
+    n->function_status[mode] = -1;
+    n->invalidation_next = pending;
+    pending = n;
+  };
+  invalidate(node);
+  while (vel_node_t *n = pending) {
+    pending = n->invalidation_next;
+    for (vel_node_t **c = n->children; c != nullptr && *c != nullptr; ++c) {
+      vel_node_t *child = *c;
+      if (!model_uses_node(child->model, n)) continue;
+      if (is_real_function(child)) {
+        invalidate(child);
+      } else if (mode == vel_mode_inference) {
+        // Tables are generated from values of mode 0 only.
+        _vel_node_touch_model(child);
+      }
     }
-  }
-  const vel_domain_t *domain = node->domain;
-  if (domain == nullptr) return;
-  const int64_t i = _vel_node_index(node, domain->mirrored_nodes);
-  if (i < 0 || domain->mirror_list == nullptr) return;
-  for (vel_mirror_t **mirror = domain->mirror_list; *mirror != nullptr; ++mirror) {
-    _vel_invalidate_function_value((*mirror)->nodes[i], mode);
+    const vel_domain_t *domain = n->domain;
+    if (domain == nullptr) continue;
+    const int64_t i = _vel_node_index(n, domain->mirrored_nodes);
+    if (i < 0 || domain->mirror_list == nullptr) continue;
+    for (vel_mirror_t **mirror = domain->mirror_list; *mirror != nullptr; ++mirror) {
+      invalidate((*mirror)->nodes[i]);
+    }
   }
 }
 
