@@ -1,6 +1,6 @@
 """The benchmark suite: vel against a NumPy/SciPy script and a bare C++ loop.
 
-    bash bench/run.sh [--runs N] [--model NAME]... [--build-dir DIR] [--no-build] [--markdown]
+    bash bench/run.sh [--runs N] [--model NAME]... [--build-dir DIR] [--no-build] [--markdown] [--check-only]
 
 (run.sh installs what is missing and runs this file with Debian's python3.)
 For every model under bench/models/ it
@@ -34,6 +34,8 @@ sys.path.insert(0, BENCH)
 MODELS = ["utility_expressions", "distribution_weights", "normal_linear", "gamma_truncated",
           "pert", "poisson_interval", "gamma_numbered"]
 TOLERANCE = 1e-6
+NOISY = 0.25
+CPU_TIMINGS = ("vel_process", "scipy", "bare")
 # Targets of the generator's rewrite.
 BARE_GEOMEAN, BARE_EACH = 1.5, 2.0
 SCIPY_GEOMEAN, SCIPY_EACH = 1 / 1.5, 1.0
@@ -121,6 +123,14 @@ def check(programs, model):
     return vel.size, problems
 
 
+def spread(values):
+    """Interquartile range over the median: how noisy one program's runs were."""
+    if len(values) < 4:
+        return 0.0
+    quartiles = statistics.quantiles(values, n=4)
+    return (quartiles[2] - quartiles[0]) / statistics.median(values)
+
+
 def geometric_mean(values):
     return math.exp(sum(math.log(v) for v in values) / len(values))
 
@@ -138,14 +148,15 @@ def report(rows, markdown):
         print(f"| geometric mean | | | | | | {mean_bare:.2f} | {mean_scipy:.2f} |")
         return
     header = (f"{'model':<22}{'entries':>9}{'vel gen':>10}{'vel proc':>10}{'SciPy':>9}{'bare':>9}"
-              f"{'vel/bare':>10}{'vel/SciPy':>11}")
+              f"{'vel/bare':>10}{'vel/SciPy':>11}{'spread':>8}")
     print(header)
     print("-" * len(header))
     for r, rb, rs in zip(rows, ratios_bare, ratios_scipy):
         mark_bare = " " if rb <= BARE_EACH else "*"
         mark_scipy = " " if rs <= SCIPY_EACH else "*"
         print(f"{r['model']:<22}{r['entries']:>9,}{r['vel_generation']:>10.1f}{r['vel_process']:>10.1f}"
-              f"{r['scipy']:>9.1f}{r['bare']:>9.1f}{rb:>9.2f}{mark_bare}{rs:>10.2f}{mark_scipy}")
+              f"{r['scipy']:>9.1f}{r['bare']:>9.1f}{rb:>9.2f}{mark_bare}{rs:>10.2f}{mark_scipy}"
+              f"{r['spread']:>7.0%}{'!' if r['spread'] > NOISY else ''}")
     print("-" * len(header))
     print(f"{'geometric mean':<69}{mean_bare:>9.2f}{' ' if mean_bare <= BARE_GEOMEAN else '*'}"
           f"{mean_scipy:>10.2f}{' ' if mean_scipy <= SCIPY_GEOMEAN else '*'}")
@@ -154,16 +165,18 @@ def report(rows, markdown):
     print("(wall clock); vel proc, SciPy and bare = CPU time.  Ratios use vel proc.")
     print(f"Targets: vel/bare <= {BARE_GEOMEAN} in geometric mean and <= {BARE_EACH} on every model;")
     print(f"vel/SciPy <= {SCIPY_GEOMEAN:.2f} (1.5x faster) in geometric mean and <= {SCIPY_EACH} on every model.")
-    print("* marks a figure outside its target.")
+    print("* marks a figure outside its target.  spread: the largest interquartile range over the")
+    print(f"median among a model's three CPU timings; ! above {NOISY:.0%}: the machine was busy, re-run.")
 
 
 def main():
     parser = argparse.ArgumentParser(description=__doc__, formatter_class=argparse.RawDescriptionHelpFormatter)
-    parser.add_argument("--runs", type=int, default=9, help="timed runs per program and model (default 9)")
+    parser.add_argument("--runs", type=int, default=15, help="timed runs per program and model (default 15)")
     parser.add_argument("--model", action="append", choices=MODELS, help="only this model (repeatable)")
     parser.add_argument("--build-dir", default=os.path.join(ROOT, "build"))
     parser.add_argument("--no-build", action="store_true", help="use the programs as built")
     parser.add_argument("--markdown", action="store_true", help="print the table as Markdown")
+    parser.add_argument("--check-only", action="store_true", help="check the tables, time nothing")
     args = parser.parse_args()
     models = args.model or MODELS
 
@@ -179,6 +192,9 @@ def main():
             failed = True
     if failed:
         sys.exit(1)
+    if args.check_only:
+        print(f"suite: {len(models)} models: bare loops bit-identical to vel, SciPy within {TOLERANCE}")
+        return
 
     inputs = {model: scipy_module(model).build() for model in models}
     times = {model: {"vel_generation": [], "vel_process": [], "scipy": [], "bare": []} for model in models}
@@ -201,7 +217,8 @@ def main():
             for method in methods[run % 3:] + methods[:run % 3]:
                 method(model)
 
-    rows = [dict(model=m, entries=entries[m], **{k: statistics.median(v) for k, v in times[m].items()})
+    rows = [dict(model=m, entries=entries[m], spread=max(spread(times[m][k]) for k in CPU_TIMINGS),
+                 **{k: statistics.median(v) for k, v in times[m].items()})
             for m in models]
     report(rows, args.markdown)
 
