@@ -9,6 +9,7 @@
 
 #include <yaml-cpp/yaml.h>
 
+#include "io/library_reason.h"
 #include "io/yaml_reading.h"
 #include "vel/vel.h"
 
@@ -21,9 +22,6 @@ struct NodeDecl {
   std::string name;
   vel_node_t *node = nullptr;
 };
-
-// What the library says about its last failure, for a loader message.
-std::string library_reason();
 
 std::vector<NodeDecl> declare_nodes(const Source &source, const Entry &nodes, vel_domain_t *domain);
 void connect_parents(const Source &source, const std::vector<NodeDecl> &decls);
