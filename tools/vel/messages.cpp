@@ -2,11 +2,13 @@
 
 #include <cstdio>
 
+#include "io/network_file.h"
+
 namespace vel::cli {
 
 std::optional<io::LoadedModel> load_or_report(const std::string &file) {
   try {
-    return io::load_model_file(file);
+    return io::load_network_file(file);
   } catch (const io::LoadError &error) {
     std::fprintf(stderr, "%s\n", error.what());
     return std::nullopt;

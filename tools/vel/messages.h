@@ -8,7 +8,7 @@
 
 namespace vel::cli {
 
-// Loads the model file, or writes the loader's message and returns nothing
+// Loads the model file or network (any format vel reads), or writes the loader's message and returns nothing
 // (exit status 2).
 std::optional<io::LoadedModel> load_or_report(const std::string &file);
 
