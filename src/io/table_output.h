@@ -18,6 +18,9 @@ const char *table_word(const vel_node_t *node);
 // non-finite values as "nan", "inf", "-inf".
 std::string shortest_text(float value);
 std::string shortest_text(double value);
+// A state value or interval bound: shortest_text, with +-vel_infinity (and
+// beyond) as "inf" and "-inf".
+std::string bound_text(double bound);
 // A state as a person reads it: its label, false/true, its number, or an
 // interval "[lo;hi)" with unbounded ends as -inf and inf.
 std::string state_text(const vel_node_t *node, std::size_t state);

@@ -24,20 +24,12 @@ struct FileCloser {
   void operator()(std::FILE *file) const { std::fclose(file); }
 };
 
-bool is_real_function_node(const vel_node_t *node) {
-  return vel_node_get_category(node) == vel_category_function && vel_node_get_kind(node) < 0;
-}
-
 // The nodes to generate: the named ones in the order given (each once), or
 // every node with a model that has a table, in file order.  Nothing when a
 // name is unknown.
 std::optional<std::vector<vel_node_t *>> select_nodes(const GenerateOptions &options, vel_domain_t *domain) {
+  if (options.nodes.empty()) return nodes_with_models(domain);
   std::vector<vel_node_t *> nodes;
-  if (options.nodes.empty()) {
-    for (vel_node_t *node = vel_domain_get_first_node(domain); node; node = vel_node_get_next(node))
-      if (vel_node_get_model(node) && !is_real_function_node(node)) nodes.push_back(node);
-    return nodes;
-  }
   for (const std::string &name : options.nodes) {
     vel_node_t *node = vel_domain_get_node_by_name(domain, name.c_str());
     if (!node) {
@@ -57,6 +49,15 @@ void write_table(const std::string &format, vel_node_t *node, bool first) {
 }
 
 }  // namespace
+
+std::vector<vel_node_t *> nodes_with_models(vel_domain_t *domain) {
+  std::vector<vel_node_t *> nodes;
+  for (vel_node_t *node = vel_domain_get_first_node(domain); node; node = vel_node_get_next(node)) {
+    const bool real_function = vel_node_get_category(node) == vel_category_function && vel_node_get_kind(node) < 0;
+    if (vel_node_get_model(node) && !real_function) nodes.push_back(node);
+  }
+  return nodes;
+}
 
 int run_generate(const GenerateOptions &options) {
   std::optional<io::LoadedModel> model = load_or_report(options.file);
