@@ -278,7 +278,8 @@ class BifReader {
       row = row * parent.states.size() + found->second;
     }
     expect(')');
-    if (entries.given[row]) fail(open, "a second row " + row_text(entries, row) + " for " + quoted(variable_name(entries)));
+    if (entries.given[row])
+      fail(open, "a second row " + row_text(entries, row) + " for " + quoted(variable_name(entries)));
     entries.given[row] = true;
     double *data = entries.table.entries.data() + row * entries.states;
     read_numbers(entries.states, "a row of " + quoted(variable_name(entries)),
@@ -311,7 +312,8 @@ class BifReader {
     for (std::size_t row = 0; row < entries.given.size(); ++row) {
       if (entries.given[row]) continue;
       if (entries.fallback.empty())
-        fail(keyword, quoted(variable_name(entries)) + " has no row " + row_text(entries, row) + " and no default");
+        fail(keyword,
+             quoted(variable_name(entries)) + " has no row " + row_text(entries, row) + " and no default");
       std::copy(entries.fallback.begin(), entries.fallback.end(),
                 entries.table.entries.begin() + static_cast<std::ptrdiff_t>(row * entries.states));
     }

@@ -35,7 +35,8 @@ void write_bif(std::ostream &out, const std::string &name, const std::vector<Exp
     std::vector<std::size_t> row(node.parents.size(), 0);
     for (std::size_t start = 0; !node.parents.empty() && start < node.size; start += states) {
       out << "  (";
-      for (std::size_t i = 0; i < row.size(); ++i) out << (i ? ", " : "") << nodes[node.parents[i]].states[row[i]];
+      for (std::size_t i = 0; i < row.size(); ++i)
+        out << (i ? ", " : "") << nodes[node.parents[i]].states[row[i]];
       out << ") ";
       write_entries(out, node.data + start, states);
       for (std::size_t i = row.size(); i-- > 0;) {

@@ -30,7 +30,8 @@ std::vector<std::string> state_names(const vel_node_t *node, ExportFormat format
       if (!seen.insert(name).second)
         throw ExportError(where + "appears twice; BIF rows name states, so they must differ");
     } else if (format == ExportFormat::xmlbif) {
-      if (const char *why = xml_refusal(name)) throw ExportError(where + "XMLBIF cannot carry a state name that " + why);
+      if (const char *why = xml_refusal(name))
+        throw ExportError(where + "XMLBIF cannot carry a state name that " + why);
     }
     names.push_back(std::move(name));
   }
@@ -85,8 +86,8 @@ std::vector<ExportNode> plan_export(vel_domain_t *domain, ExportFormat format, b
       written.category = vel_category_utility;
     } else if (category == vel_category_decision && !chance_only) {
       if (!holds_decisions)
-        throw ExportError(node_message(
-            node, "a decision node" + in_format + " (--chance-only writes it as a chance node with its policy)"));
+        throw ExportError(node_message(node, "a decision node" + in_format +
+                                                 " (--chance-only writes it as a chance node with its policy)"));
       written.category = vel_category_decision;
     }
     if (written.category != vel_category_utility) written.states = state_names(node, format);

@@ -44,19 +44,19 @@ void add_parent(const std::string &file, const NetworkSpec &spec,
   table.parent_at.push_back(at);
 }
 
-std::size_t table_entries(const std::string &file, const NetworkSpec &spec, const TableSpec &table) {
+std::size_t table_entries(const std::string &file, NetworkSpec &spec, const TableSpec &table) {
   const VariableSpec &variable = spec.variables[table.variable];
+  const std::string too_many = "with the table of " + quoted(variable.name) + " the network would have more than " +
+                               std::to_string(max_network_entries) + " entries";
+  const std::size_t room = max_network_entries - spec.entries;
   std::size_t size = std::max<std::size_t>(variable.states.size(), 1);
   for (const std::size_t parent : table.parents) {
     const std::size_t count = spec.variables[parent].states.size();
-    if (count != 0 && size > max_table_entries / count)
-      fail_at(file, table.at, "the table of " + quoted(variable.name) + " would have more than " +
-                                  std::to_string(max_table_entries) + " entries");
+    if (count != 0 && size > room / count) fail_at(file, table.at, too_many);
     size *= count;
   }
-  if (size > max_table_entries)
-    fail_at(file, table.at, "the table of " + quoted(variable.name) + " would have more than " +
-                                std::to_string(max_table_entries) + " entries");
+  if (size > room) fail_at(file, table.at, too_many);
+  spec.entries += size;
   return size;
 }
 
@@ -83,14 +83,14 @@ LoadedModel build_network(const std::string &file, NetworkSpec spec) {
                                            utility ? vel_kind_stateless : vel_kind_discrete,
                                            utility ? vel_subtype_none : vel_subtype_labeled,
                                            variable.name.c_str());
-    if (!node) fail_at(file, variable.name_at, "cannot create node " + quoted(variable.name) + ": " + library_reason());
-    if (!utility) {
-      if (vel_node_set_number_of_states(node, variable.states.size()) != 0)
-        fail_at(file, variable.states_at, "cannot set the states of " + quoted(variable.name) + ": " + library_reason());
-      for (std::size_t s = 0; s < variable.states.size(); ++s)
-        if (vel_node_set_state_label(node, s, variable.states[s].c_str()) != 0)
-          fail_at(file, variable.states_at, "cannot set the states of " + quoted(variable.name) + ": " + library_reason());
-    }
+    if (!node)
+      fail_at(file, variable.name_at, "cannot create node " + quoted(variable.name) + ": " + library_reason());
+    const std::string states_failure = "cannot set the states of " + quoted(variable.name) + ": ";
+    if (!utility && vel_node_set_number_of_states(node, variable.states.size()) != 0)
+      fail_at(file, variable.states_at, states_failure + library_reason());
+    for (std::size_t s = 0; s < variable.states.size(); ++s)
+      if (vel_node_set_state_label(node, s, variable.states[s].c_str()) != 0)
+        fail_at(file, variable.states_at, states_failure + library_reason());
     NodeSource &source = model.sources[node];
     source.name = variable.name_at;
     source.states = variable.states_at;
@@ -105,7 +105,8 @@ LoadedModel build_network(const std::string &file, NetworkSpec spec) {
     model.sources[node].table = table.at;
     if (!table.has_entries) continue;
     if (vel_node_set_table_data(node, table.entries.data(), table.entries.size()) != 0)
-      fail_at(file, table.at, "cannot set the table of " + quoted(vel_node_get_name(node)) + ": " + library_reason());
+      fail_at(file, table.at,
+              "cannot set the table of " + quoted(vel_node_get_name(node)) + ": " + library_reason());
     std::vector<double>().swap(table.entries);
   }
   return model;

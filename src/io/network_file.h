@@ -21,8 +21,8 @@ LoadedModel load_network_file(const std::string &path);
 // BIF and XMLBIF text; `file_name` prefixes the messages and, when the
 // network has no name of its own, gives the domain its name.  States become
 // labeled states, rows are loaded as written.  Refused with LoadError
-// "FILE:LINE:COLUMN: message": anything malformed, a table of more than
-// 2^25 entries.
+// "FILE:LINE:COLUMN: message": anything malformed, tables of more than 2^25
+// entries in all.
 LoadedModel load_bif_text(const std::string &text, const std::string &file_name);
 LoadedModel load_xmlbif_text(const std::string &text, const std::string &file_name);
 

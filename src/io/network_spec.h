@@ -34,12 +34,13 @@ struct NetworkSpec {
   std::string name;
   std::vector<VariableSpec> variables;
   std::vector<TableSpec> tables;       // at most one per variable
+  std::size_t entries = 0;             // of all tables so far
 };
 
-// The largest table a reader builds (2^25 entries, 128 MiB of floats): a
-// BIF `default` row would otherwise let a few bytes of text ask for any
-// amount of memory.
-inline constexpr std::size_t max_table_entries = std::size_t{1} << 25;
+// The most entries a reader accepts in all the tables of a network (2^25,
+// 128 MiB of floats), far beyond the standard networks: a BIF `default` row
+// would otherwise let a few bytes of text ask for any amount of memory.
+inline constexpr std::size_t max_network_entries = std::size_t{1} << 25;
 
 // Variable names to indices; throws at the second of two variables with one
 // name.
@@ -53,9 +54,9 @@ void add_parent(const std::string &file, const NetworkSpec &spec,
                 std::string_view name, Position at);
 
 // The number of entries of the table: the parents' state counts times the
-// variable's (one for a utility node); throws at the table's position when
-// it exceeds max_table_entries.
-std::size_t table_entries(const std::string &file, const NetworkSpec &spec, const TableSpec &table);
+// variable's (one for a utility node), added to the network's count; throws
+// at the table's position when that exceeds max_network_entries.
+std::size_t table_entries(const std::string &file, NetworkSpec &spec, const TableSpec &table);
 
 // A table entry written as `text`: a number, finite in single precision.
 double read_entry(const std::string &file, std::string_view text, Position at);

@@ -173,7 +173,7 @@ class XmlbifReader {
     const Element element = child(parent, name);
     if (element == Element::none) {
       if (stack_.empty()) return stop(at, "expected <BIF>, found <" + std::string(name) + ">");
-      return stop(at, "unexpected element <" + std::string(name) + "> in <" + std::string(open_names_.back()) + ">");
+      return stop(at, "unexpected element <" + std::string(name) + "> in <" + open_names_.back() + ">");
     }
     stack_.push_back(element);
     open_names_.emplace_back(name);
@@ -281,14 +281,14 @@ class XmlbifReader {
       table.at = definition.table ? definition.table->at : definition.at;
       for (const Text &given : definition.given)
         detail::add_parent(file_, spec, index, table, trimmed(given.text), given.at);
-      if (definition.table) read_entries(spec, table, *definition.table);
+      const std::size_t size = detail::table_entries(file_, spec, table);
+      if (definition.table) read_entries(spec, table, *definition.table, size);
       spec.tables.push_back(std::move(table));
     }
     return spec;
   }
 
-  void read_entries(const NetworkSpec &spec, TableSpec &table, const Text &text) {
-    const std::size_t size = detail::table_entries(file_, spec, table);
+  void read_entries(const NetworkSpec &spec, TableSpec &table, const Text &text, std::size_t size) {
     // Count first: the entries are allocated only for a table of the right size.
     std::size_t count = 0;
     for_each_word(text.text, [&](std::size_t, std::string_view) { ++count; });

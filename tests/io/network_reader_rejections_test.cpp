@@ -63,7 +63,7 @@ const Rejection bif_rejections[] = {
     {a + "probability ( A ) { table 0.5, abc; }", "net.bif:2:32: expected a number, found 'abc'"},
     {a + "probability ( A ) { table 0.5, 1e39; }",
      "net.bif:2:32: a table entry must be a finite number in single-precision range"},
-    {wide_default(), "net.bif:28:1: the table of 'A' would have more than 33554432 entries"},
+    {wide_default(), "net.bif:28:1: with the table of 'A' the network would have more than 33554432 entries"},
 };
 
 TEST(NetworkReaderRejections, Bif) {

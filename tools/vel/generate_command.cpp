@@ -53,7 +53,8 @@ void write_table(const std::string &format, vel_node_t *node, bool first) {
 std::vector<vel_node_t *> nodes_with_models(vel_domain_t *domain) {
   std::vector<vel_node_t *> nodes;
   for (vel_node_t *node = vel_domain_get_first_node(domain); node; node = vel_node_get_next(node)) {
-    const bool real_function = vel_node_get_category(node) == vel_category_function && vel_node_get_kind(node) < 0;
+    const bool real_function =
+        vel_node_get_category(node) == vel_category_function && vel_node_get_kind(node) < 0;
     if (vel_node_get_model(node) && !real_function) nodes.push_back(node);
   }
   return nodes;

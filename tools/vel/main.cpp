@@ -49,7 +49,8 @@ int main(int argc, char **argv) {
   export_command->add_option("--to", export_options.format, "Network format")
       ->required()
       ->check(CLI::IsMember({"bif", "xmlbif", "uai"}));
-  export_command->add_option("-o", export_options.output, "Write to OUT (default: standard output)");
+  export_command->add_option("-o", export_options.output, "Write to OUT (default: standard output)")
+      ->type_name("OUT");
   export_command->add_flag("--chance-only", export_options.chance_only,
                            "Leave out utility, continuous and real-valued function nodes; "
                            "write decisions as chance nodes with their policies");
