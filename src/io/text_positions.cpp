@@ -2,8 +2,12 @@
 
 namespace vel::io::detail {
 
+LoadError load_error(const std::string &file, Position at, const std::string &message) {
+  return LoadError(file + ":" + std::to_string(at.line) + ":" + std::to_string(at.column) + ": " + message);
+}
+
 void fail_at(const std::string &file, Position at, const std::string &message) {
-  throw LoadError(file + ":" + std::to_string(at.line) + ":" + std::to_string(at.column) + ": " + message);
+  throw load_error(file, at, message);
 }
 
 Position advance(Position at, std::string_view text) {

@@ -8,7 +8,8 @@
 
 namespace vel::io::detail {
 
-// Throws LoadError "FILE:LINE:COLUMN: message".
+// LoadError "FILE:LINE:COLUMN: message"; fail_at throws it.
+LoadError load_error(const std::string &file, Position at, const std::string &message);
 [[noreturn]] void fail_at(const std::string &file, Position at, const std::string &message);
 
 // The position just after `text` when `text` starts at `at`: a line feed

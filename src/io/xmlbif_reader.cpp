@@ -113,11 +113,7 @@ class XmlbifReader {
   // Handlers cannot throw through expat: they note the error and stop it.
   void stop(Position at, const std::string &message) {
     if (error_) return;
-    try {
-      fail_at(file_, at, message);
-    } catch (const LoadError &error) {
-      error_ = error;
-    }
+    error_ = detail::load_error(file_, at, message);
     XML_StopParser(parser_, XML_FALSE);
   }
 

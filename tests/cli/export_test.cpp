@@ -189,10 +189,12 @@ TEST(Export, RefusalsFailuresAndLeavingNodesOut) {
   EXPECT_THAT(bif_decision.out, testing::HasSubstr("probability ( Pump ) {\n  table 0.25, 0.75;\n}\n"));
 }
 
-// toulbar2: the command's output, or nothing when it is not installed.
-std::optional<std::string> run_toulbar2(const TempDir &directory, const std::string &uai) {
+// toulbar2's output for the network's UAI export, or nothing when toulbar2 is
+// not installed.
+std::optional<std::string> run_toulbar2(const TempDir &directory, const std::string &name) {
   if (std::system("command -v toulbar2 >/dev/null 2>&1") != 0) return std::nullopt;
-  const std::string log = directory.path() + "/toulbar2.log";
+  const std::string uai = directory.path() + "/" + name + ".uai", log = directory.path() + "/toulbar2.log";
+  EXPECT_EQ(export_to(network_path(name), "uai", uai).status, 0) << name;
   const int status = std::system(("toulbar2 '" + uai + "' > '" + log + "' 2>&1").c_str());
   EXPECT_EQ(status, 0) << uai;
   return vel_test::read_file(log);
@@ -240,9 +242,7 @@ double most_probable(const LoadedModel &model) {
 TEST(Toulbar2, ReadsEveryExportedUaiFileWithItsMostProbableConfiguration) {
   const TempDir directory;
   for (const std::string name : networks) {
-    const std::string uai = directory.path() + "/" + name + ".uai";
-    ASSERT_EQ(export_to(network_path(name), "uai", uai).status, 0) << name;
-    const std::optional<std::string> log = run_toulbar2(directory, uai);
+    const std::optional<std::string> log = run_toulbar2(directory, name);
     if (!log) GTEST_SKIP() << "toulbar2 is not installed";
     const LoadedModel model = vel::io::load_network_file(network_path(name));
     const std::size_t count = nodes_of(model).size();
@@ -263,9 +263,7 @@ TEST(Toulbar2, MostProbableConfigurationAgreesWithVelInferMax) {
     GTEST_SKIP() << "vel infer is not built yet";
   const TempDir directory;
   for (const std::string name : networks) {
-    const std::string uai = directory.path() + "/" + name + ".uai";
-    ASSERT_EQ(export_to(network_path(name), "uai", uai).status, 0) << name;
-    const std::optional<std::string> log = run_toulbar2(directory, uai);
+    const std::optional<std::string> log = run_toulbar2(directory, name);
     if (!log) GTEST_SKIP() << "toulbar2 is not installed";
     const auto infer = run_vel({"infer", network_path(name), "--max", "--format", "json"});
     ASSERT_EQ(infer.status, 0) << name << ": " << infer.err;
