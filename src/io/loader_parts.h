@@ -9,6 +9,7 @@
 
 #include <yaml-cpp/yaml.h>
 
+#include "io/library_reason.h"
 #include "io/model_file.h"
 #include "io/yaml_reading.h"
 #include "vel/vel.h"
@@ -26,9 +27,6 @@ struct NodeDecl {
 
 // The 1-based position of a YAML mark (0 when yaml-cpp does not know it).
 Position position_of(const YAML::Mark &mark);
-
-// What the library says about its last failure, for a loader message.
-std::string library_reason();
 
 std::vector<NodeDecl> declare_nodes(const Source &source, const Entry &nodes, vel_domain_t *domain);
 void connect_parents(const Source &source, const std::vector<NodeDecl> &decls);

@@ -1,11 +1,8 @@
 #include "io/model_file.h"
 
-#include <cerrno>
-#include <cstdio>
-#include <cstring>
-#include <memory>
 #include <vector>
 
+#include "io/file_text.h"
 #include "io/loader_parts.h"
 #include "io/yaml_documents.h"
 #include "io/yaml_reading.h"
@@ -16,18 +13,6 @@ namespace {
 
 using detail::Entry;
 using detail::Source;
-
-struct FileCloser {
-  void operator()(std::FILE *file) const { std::fclose(file); }
-};
-
-std::string file_stem(const std::string &path) {
-  const std::size_t slash = path.find_last_of('/');
-  std::string base = slash == std::string::npos ? path : path.substr(slash + 1);
-  const std::size_t dot = base.find_last_of('.');
-  if (dot != std::string::npos && dot > 0) base.erase(dot);
-  return base;
-}
 
 LoadedModel build(const Source &source, const YAML::Node &root) {
   if (!root.IsMap()) source.fail(root, "a model file must be a mapping with a 'nodes' list");
@@ -70,15 +55,7 @@ LoadedModel load_model_text(const std::string &text, const std::string &file_nam
 }
 
 LoadedModel load_model_file(const std::string &path) {
-  errno = 0;
-  std::unique_ptr<std::FILE, FileCloser> file(std::fopen(path.c_str(), "rb"));
-  if (!file) throw LoadError(path + ": " + std::strerror(errno));
-  std::string text;
-  char buffer[65536];
-  std::size_t count;
-  while ((count = std::fread(buffer, 1, sizeof buffer, file.get())) > 0) text.append(buffer, count);
-  if (std::ferror(file.get())) throw LoadError(path + ": " + std::strerror(errno));
-  return load_model_text(text, path);
+  return load_model_text(read_file_text(path), path);
 }
 
 }  // namespace vel::io

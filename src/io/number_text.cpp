@@ -18,13 +18,13 @@ std::string shortest(Real value) {
   return std::string(buffer, result.ptr);
 }
 
+}  // namespace
+
 std::string bound_text(double bound) {
   if (bound <= -vel_infinity) return "-inf";
   if (bound >= vel_infinity) return "inf";
   return shortest(bound);
 }
-
-}  // namespace
 
 std::string shortest_text(float value) { return shortest(value); }
 std::string shortest_text(double value) { return shortest(value); }

@@ -21,6 +21,9 @@ std::string shortest_text(double value);
 // A table entry for a person (text and CSV): its shortest text, with a
 // negative zero written as "0".
 std::string entry_text(float value);
+// A state value or interval bound: shortest_text, with +-vel_infinity (and
+// beyond) as "inf" and "-inf".
+std::string bound_text(double bound);
 // A state as a person reads it: its label, false/true, its number, or an
 // interval "[lo;hi)" with unbounded ends as -inf and inf.
 std::string state_text(const vel_node_t *node, std::size_t state);

@@ -3,21 +3,19 @@
 #include <cctype>
 #include <charconv>
 #include <cmath>
-#include <cstdlib>
-#include <locale.h>
 #include <limits>
 
 #include "io/model_file.h"
+#include "io/text_positions.h"
 #include "vel/vel.h"
 
 namespace vel::io::detail {
 
 void Source::fail(const YAML::Mark &mark, const std::string &message) const {
   // yaml-cpp counts from 0 and gives -1 for a mark it does not know.
-  const long line = mark.line < 0 ? 1 : mark.line + 1;
-  const long column = mark.column < 0 ? 1 : mark.column + 1;
-  throw LoadError(file + ":" + std::to_string(line) + ":" + std::to_string(column) + ": " +
-                  message);
+  const std::size_t line = mark.line < 0 ? 1 : mark.line + 1;
+  const std::size_t column = mark.column < 0 ? 1 : mark.column + 1;
+  fail_at(file, {line, column}, message);
 }
 
 void Source::fail(const YAML::Node &at, const std::string &message) const {
@@ -74,43 +72,6 @@ bool read_truth(const Source &source, const Entry &entry) {
     if (text == "false") return false;
   }
   source.fail(entry.value_mark(), quoted(entry.key.Scalar()) + " must be true or false");
-}
-
-bool parse_number(std::string_view text, double &value) {
-  std::string_view body = text;
-  bool negative = false;
-  if (!body.empty() && (body.front() == '+' || body.front() == '-')) {
-    negative = body.front() == '-';
-    body.remove_prefix(1);
-  }
-  std::string_view word = body;
-  if (!word.empty() && word.front() == '.') word.remove_prefix(1);
-  if (is_one_of(word, {"inf", "Inf", "INF", "infinity", "Infinity"})) {
-    value = negative ? -vel_infinity : vel_infinity;
-    return true;
-  }
-  if (is_one_of(word, {"nan", "NaN", "NAN"})) {
-    value = std::numeric_limits<double>::quiet_NaN();
-    return true;
-  }
-  // from_chars takes no leading '+' and would take "inf"/"nan" itself, both
-  // handled above; what remains must be plain decimal text.
-  if (body.empty() || !(std::isdigit(static_cast<unsigned char>(body.front())) || body.front() == '.'))
-    return false;
-  double magnitude = 0.0;
-  const auto [end, error] = std::from_chars(body.data(), body.data() + body.size(), magnitude);
-  if (end != body.data() + body.size()) return false;
-  if (error == std::errc::result_out_of_range) {
-    // Decimal text beyond double range: too large is infinite, too small is
-    // zero.  strtod_l tells which, in the C locale whatever the global one.
-    static const locale_t c_locale = newlocale(LC_NUMERIC_MASK, "C", locale_t{});
-    magnitude = strtod_l(std::string(body).c_str(), nullptr, c_locale);
-    if (std::isinf(magnitude)) magnitude = vel_infinity;
-  } else if (error != std::errc()) {
-    return false;
-  }
-  value = negative ? -magnitude : magnitude;
-  return true;
 }
 
 double read_number(const Source &source, const YAML::Node &at, std::string_view what) {

@@ -9,6 +9,8 @@
 
 #include <yaml-cpp/yaml.h>
 
+#include "io/number_parsing.h"
+
 namespace vel::io::detail {
 
 // The file being read; turns marks into "FILE:LINE:COLUMN: message" errors.
@@ -52,8 +54,5 @@ double read_number(const Source &source, const YAML::Node &at, std::string_view 
 std::size_t read_count(const Source &source, const Entry &entry);
 // A sequence (the value of `entry`), with `what` naming it.
 void require_sequence(const Source &source, const Entry &entry, std::string_view what);
-
-// The numeric value of scalar text, if it is a number (see read_number).
-bool parse_number(std::string_view text, double &value);
 
 }  // namespace vel::io::detail

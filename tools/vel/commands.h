@@ -6,7 +6,13 @@
 #include <string>
 #include <vector>
 
+#include "vel/vel.h"
+
 namespace vel::cli {
+
+// Every node with a model that has a table (not a real-valued function
+// node), in domain order: what `generate` and `export` generate.
+std::vector<vel_node_t *> nodes_with_models(vel_domain_t *domain);
 
 struct GenerateOptions {
   std::string file;
@@ -33,8 +39,16 @@ struct EvaluateOptions {
   std::string format = "text";
 };
 
+struct ExportOptions {
+  std::string file;
+  std::string format;  // bif, xmlbif or uai
+  std::string output;  // empty: standard output
+  bool chance_only = false;
+};
+
 int run_generate(const GenerateOptions &options);
 int run_check(const CheckOptions &options);
 int run_evaluate(const EvaluateOptions &options);
+int run_export(const ExportOptions &options);
 
 }  // namespace vel::cli

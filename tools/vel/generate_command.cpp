@@ -10,6 +10,7 @@
 #include <iostream>
 #include <memory>
 #include <optional>
+#include <unordered_set>
 
 #include "commands.h"
 #include "io/json_text.h"
@@ -28,10 +29,6 @@ struct FileCloser {
   void operator()(std::FILE *file) const { std::fclose(file); }
 };
 
-bool is_real_function_node(const vel_node_t *node) {
-  return vel_node_get_category(node) == vel_category_function && vel_node_get_kind(node) < 0;
-}
-
 bool has_literal_table(const io::LoadedModel &model, const vel_node_t *node) {
   const auto found = model.sources.find(node);
   return found != model.sources.end() && found->second.table.line != 0;
@@ -43,12 +40,13 @@ bool has_literal_table(const io::LoadedModel &model, const vel_node_t *node) {
 std::optional<std::vector<vel_node_t *>> select_nodes(const GenerateOptions &options,
                                                       const io::LoadedModel &model) {
   vel_domain_t *domain = model.domain.get();
+  if (options.nodes.empty() && !options.all) return nodes_with_models(domain);
   std::vector<vel_node_t *> nodes;
   if (options.nodes.empty()) {
-    for (vel_node_t *node = vel_domain_get_first_node(domain); node; node = vel_node_get_next(node)) {
-      const bool generated = vel_node_get_model(node) && !is_real_function_node(node);
-      if (generated || (options.all && has_literal_table(model, node))) nodes.push_back(node);
-    }
+    const std::vector<vel_node_t *> generated = nodes_with_models(domain);
+    const std::unordered_set<vel_node_t *> with_model(generated.begin(), generated.end());
+    for (vel_node_t *node = vel_domain_get_first_node(domain); node; node = vel_node_get_next(node))
+      if (with_model.count(node) || has_literal_table(model, node)) nodes.push_back(node);
     return nodes;
   }
   for (const std::string &name : options.nodes) {
@@ -136,6 +134,16 @@ std::size_t entries_of(vel_node_t *node) {
 }
 
 }  // namespace
+
+std::vector<vel_node_t *> nodes_with_models(vel_domain_t *domain) {
+  std::vector<vel_node_t *> nodes;
+  for (vel_node_t *node = vel_domain_get_first_node(domain); node; node = vel_node_get_next(node)) {
+    const bool real_function =
+        vel_node_get_category(node) == vel_category_function && vel_node_get_kind(node) < 0;
+    if (vel_node_get_model(node) && !real_function) nodes.push_back(node);
+  }
+  return nodes;
+}
 
 int run_generate(const GenerateOptions &options) {
   const bool json = options.format == "json";

@@ -1,4 +1,5 @@
-// vel: generate, check and evaluate the models of a model file.
+// vel: generate, check and evaluate the models of a model file or network,
+// and export networks.
 #include <CLI/CLI.hpp>
 
 #include <cstdio>
@@ -21,9 +22,11 @@ int main(int argc, char **argv) {
   app.set_version_flag("--version", std::string("vel ") + program_version);
   app.require_subcommand(1);
 
+  const char *file_help = "Model file (.yaml, .yml, .json), BIF (.bif) or XMLBIF (.xml, .xmlbif) network";
+
   GenerateOptions generate;
   CLI::App *generate_command = app.add_subcommand("generate", "Generate tables and print them");
-  generate_command->add_option("FILE", generate.file, "Model file")->required();
+  generate_command->add_option("FILE", generate.file, file_help)->required();
   CLI::Option *node = generate_command
       ->add_option("--node", generate.nodes, "Generate this node (repeatable; default: every node with a model)")
       ->allow_extra_args(false);
@@ -41,19 +44,31 @@ int main(int argc, char **argv) {
 
   CheckOptions check;
   CLI::App *check_command = app.add_subcommand("check", "Check every model without generating");
-  check_command->add_option("FILE", check.file, "Model file")->required();
+  check_command->add_option("FILE", check.file, file_help)->required();
   check_command->add_flag("--strict", check.strict, "Exit with status 1 on warnings too");
   check_command->add_option("--max-entries", check.max_entries, "Larger tables are reported, not generated (default 1e8)")
       ->check(CLI::NonNegativeNumber);
 
   EvaluateOptions evaluate;
   CLI::App *evaluate_command = app.add_subcommand("evaluate", "Compute a real-valued function node's value");
-  evaluate_command->add_option("FILE", evaluate.file, "Model file")->required();
+  evaluate_command->add_option("FILE", evaluate.file, file_help)->required();
   evaluate_command->add_option("--node", evaluate.node, "The function node")->required();
   evaluate_command->add_option("--mode", evaluate.mode, "Values from inference (default) or configuration")
       ->check(CLI::IsMember({"inference", "configured"}));
   evaluate_command->add_option("--format", evaluate.format, "Output format (default text)")
       ->check(CLI::IsMember({"text", "json"}));
+
+  ExportOptions export_options;
+  CLI::App *export_command = app.add_subcommand("export", "Generate the tables, then write the whole network");
+  export_command->add_option("FILE", export_options.file, file_help)->required();
+  export_command->add_option("--to", export_options.format, "Network format")
+      ->required()
+      ->check(CLI::IsMember({"bif", "xmlbif", "uai"}));
+  export_command->add_option("-o", export_options.output, "Write to OUT (default: standard output)")
+      ->type_name("OUT");
+  export_command->add_flag("--chance-only", export_options.chance_only,
+                           "Leave out utility, continuous and real-valued function nodes; "
+                           "write decisions as chance nodes with their policies");
 
   try {
     app.parse(argc, argv);
@@ -71,6 +86,7 @@ int main(int argc, char **argv) {
       return run_generate(generate);
     }
     if (*check_command) return run_check(check);
+    if (*export_command) return run_export(export_options);
     return run_evaluate(evaluate);
   } catch (const std::exception &error) {
     // Running out of memory, say: a message rather than an abort.

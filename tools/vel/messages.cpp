@@ -3,6 +3,8 @@
 #include <cstdio>
 #include <memory>
 
+#include "io/network_file.h"
+
 namespace vel::cli {
 
 namespace {
@@ -15,7 +17,7 @@ struct FileCloser {
 
 std::optional<io::LoadedModel> load_or_report(const std::string &file, std::string *message) {
   try {
-    return io::load_model_file(file);
+    return io::load_network_file(file);
   } catch (const io::LoadError &error) {
     std::fprintf(stderr, "%s\n", error.what());
     if (message) *message = error.what();

@@ -9,9 +9,9 @@
 
 namespace vel::cli {
 
-// Loads the file, or writes the loader's message ("FILE:LINE:COLUMN: ...")
-// and returns nothing (exit status 2); `message`, when given, receives it for
-// a JSON document.
+// Loads the model file or network (any format vel reads), or writes the
+// loader's message ("FILE:LINE:COLUMN: ...") and returns nothing (exit
+// status 2); `message`, when given, receives it for a JSON document.
 std::optional<io::LoadedModel> load_or_report(const std::string &file,
                                               std::string *message = nullptr);
 

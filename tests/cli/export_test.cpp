@@ -1,0 +1,275 @@
+// vel export: networks and model files through BIF, XMLBIF and UAI and back,
+// the refusals, and toulbar2 as an outside reader of the UAI files.
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+
+#include <cmath>
+#include <cstdlib>
+#include <filesystem>
+#include <fstream>
+#include <map>
+#include <optional>
+#include <regex>
+
+#include <nlohmann/json.hpp>
+
+#include "io/network_file.h"
+#include "run_program.h"
+
+namespace {
+
+using vel::io::LoadedModel;
+using vel_test::run_vel;
+using vel_test::TempDir;
+
+const char *const networks[] = {"asia", "cancer", "child", "earthquake", "sachs"};
+
+std::string network_path(const std::string &name) {
+  return std::string(VEL_SOURCE_DIR) + "/tests/data/networks/" + name + ".bif";
+}
+
+std::vector<vel_node_t *> nodes_of(const LoadedModel &model) {
+  std::vector<vel_node_t *> nodes;
+  for (vel_node_t *node = vel_domain_get_first_node(model.domain.get()); node; node = vel_node_get_next(node))
+    nodes.push_back(node);
+  return nodes;
+}
+
+std::vector<std::string> names_of(const std::vector<vel_node_t *> &nodes) {
+  std::vector<std::string> names;
+  for (vel_node_t *node : nodes) names.push_back(vel_node_get_name(node));
+  return names;
+}
+
+std::vector<std::string> labels_of(vel_node_t *node) {
+  std::vector<std::string> labels;
+  for (std::size_t s = 0; s < vel_node_get_number_of_states(node); ++s) {
+    const char *label = vel_node_get_state_label(node, s);
+    labels.push_back(label ? label : "?");
+  }
+  return labels;
+}
+
+std::vector<float> entries_of(vel_node_t *node) {
+  vel_table_t *table = vel_node_get_table(node);
+  const float *data = vel_table_get_data(table);
+  return {data, data + vel_table_get_size(table)};
+}
+
+// Every node read back has the table nodes and the very entries of the
+// original node of its name.
+void expect_tables_of(const LoadedModel &original, const LoadedModel &back, const std::string &context) {
+  for (vel_node_t *node : nodes_of(back)) {
+    vel_node_t *source = vel_domain_get_node_by_name(original.domain.get(), vel_node_get_name(node));
+    ASSERT_NE(source, nullptr) << context << ": " << vel_node_get_name(node);
+    vel_table_t *table = vel_node_get_table(node), *source_table = vel_node_get_table(source);
+    EXPECT_EQ(names_of({vel_table_get_nodes(table), vel_table_get_nodes(table) + vel_table_get_node_count(table)}),
+              names_of({vel_table_get_nodes(source_table),
+                        vel_table_get_nodes(source_table) + vel_table_get_node_count(source_table)}))
+        << context << ": " << vel_node_get_name(node);
+    EXPECT_EQ(entries_of(node), entries_of(source)) << context << ": " << vel_node_get_name(node);
+  }
+}
+
+vel_test::Run export_to(const std::string &file, const std::string &format, const std::string &out,
+                        bool chance_only = false) {
+  std::vector<std::string> arguments{"export", file, "--to", format, "-o", out};
+  if (chance_only) arguments.push_back("--chance-only");
+  return run_vel(arguments);
+}
+
+TEST(Export, StandardNetworksReadBackWithTheirTablesAndFormatsAreStable) {
+  const TempDir directory;
+  for (const std::string name : networks) {
+    const LoadedModel original = vel::io::load_network_file(network_path(name));
+    for (const std::string format : {"bif", "xmlbif"}) {
+      const std::string first = directory.path() + "/" + name + "." + format;
+      const std::string second = directory.path() + "/" + name + ".again." + format;
+      const auto run = export_to(network_path(name), format, first);
+      ASSERT_EQ(run.status, 0) << name << " " << format << ": " << run.err;
+      EXPECT_EQ(run.out + run.err, "");
+      const LoadedModel back = vel::io::load_network_file(first);
+      const std::vector<vel_node_t *> nodes = nodes_of(original), back_nodes = nodes_of(back);
+      ASSERT_EQ(names_of(back_nodes), names_of(nodes)) << name << " " << format;
+      for (std::size_t i = 0; i < nodes.size(); ++i)
+        EXPECT_EQ(labels_of(back_nodes[i]), labels_of(nodes[i])) << name << " " << format;
+      expect_tables_of(original, back, name + " " + format);
+      // The file exported again from what was read back is the same file.
+      ASSERT_EQ(export_to(first, format, second).status, 0);
+      EXPECT_EQ(vel_test::read_file(second), vel_test::read_file(first)) << name << " " << format;
+    }
+  }
+}
+
+TEST(Export, ModelFilesKeepTheirGeneratedTables) {
+  const TempDir directory;
+  for (const std::string name : {"lead_time", "maintenance", "weather"}) {
+    const std::string path = std::string(VEL_SOURCE_DIR) + "/examples/" + name + ".yaml";
+    const LoadedModel original = vel::io::load_network_file(path);
+    ASSERT_EQ(vel_domain_generate_tables(original.domain.get()), 0) << name;
+    std::vector<std::string> chance_names;
+    for (vel_node_t *node : nodes_of(original))
+      if (vel_node_get_category(node) != vel_category_utility) chance_names.push_back(vel_node_get_name(node));
+
+    const std::string xml = directory.path() + "/" + name + ".xml";
+    ASSERT_EQ(export_to(path, "xmlbif", xml).status, 0) << name;
+    const LoadedModel from_xml = vel::io::load_network_file(xml);
+    EXPECT_EQ(names_of(nodes_of(from_xml)), names_of(nodes_of(original)));
+    for (vel_node_t *node : nodes_of(from_xml))
+      EXPECT_EQ(vel_node_get_category(node),
+                vel_node_get_category(vel_domain_get_node_by_name(original.domain.get(), vel_node_get_name(node))));
+    expect_tables_of(original, from_xml, name + " xmlbif");
+
+    const std::string bif = directory.path() + "/" + name + ".bif";
+    ASSERT_EQ(export_to(path, "bif", bif, true).status, 0) << name;
+    const LoadedModel from_bif = vel::io::load_network_file(bif);
+    EXPECT_EQ(names_of(nodes_of(from_bif)), chance_names);
+    expect_tables_of(original, from_bif, name + " bif");
+    if (name == "weather") {
+      EXPECT_EQ(labels_of(vel_domain_get_node_by_name(from_bif.domain.get(), "Temp")),
+                (std::vector<std::string>{"-inf_0", "0_10", "10_20", "20_inf"}));
+      EXPECT_EQ(vel_node_get_category(vel_domain_get_node_by_name(from_bif.domain.get(), "Heating")),
+                vel_category_chance);
+    }
+    if (name == "maintenance") {
+      EXPECT_EQ(labels_of(vel_domain_get_node_by_name(from_bif.domain.get(), "Hours")),
+                (std::vector<std::string>{"8", "16", "24"}));
+    }
+  }
+}
+
+TEST(Export, RefusalsFailuresAndLeavingNodesOut) {
+  const TempDir directory;
+  const std::string decisions = directory.write("decisions.yaml", R"(nodes:
+  - {name: Level, type: continuous}
+  - {name: Volume, category: function, type: real, parents: [Level], model: {nodes: [], expressions: ["2 * Level"]}}
+  - {name: Pump, category: decision, type: boolean, table: [0.25, 0.75]}
+  - {name: Cost, category: utility, parents: [Pump], table: [0, -5]}
+)");
+  const std::string labels = directory.write("labels.yaml", R"yaml(nodes:
+  - {name: A, type: labeled, states: ["d(1)", " a", "e"], table: [1, 0, 0]}
+)yaml");
+  const std::string twice = directory.write("twice.yaml", "nodes:\n  - {name: T, type: labeled, states: [x, x]}\n");
+  const std::string out = directory.path() + "/out";
+  const struct {
+    std::vector<std::string> arguments;
+    int status;
+    std::string out;
+    std::string err;
+  } cases[] = {
+      {{decisions, "--to", "xmlbif"}, 2, "",
+       "vel: " + decisions + ": node Level: a continuous node cannot be written in XMLBIF (--chance-only leaves it out)\n"},
+      {{labels, "--to", "bif"}, 2, "",
+       "vel: " + labels + ": node A, state 'd(1)': a BIF state name cannot be empty or contain blanks or any of "
+                          ",;{}()[]|\"\n"},
+      {{labels, "--to", "xmlbif"}, 2, "",
+       "vel: " + labels + ": node A, state ' a': XMLBIF cannot carry a state name that starts or ends with a "
+                          "blank, which XMLBIF readers drop\n"},
+      {{twice, "--to", "bif"}, 2, "",
+       "vel: " + twice + ": node T, state 'x': appears twice; BIF rows name states, so they must differ\n"},
+      {{decisions, "--to", "uai", "--chance-only"}, 0, "BAYES\n1\n2\n1\n1 0\n\n2\n 0.25 0.75\n", ""},
+      {{labels, "--to", "uai", "-o", directory.path() + "/none/a.uai"}, 2, "",
+       "vel: cannot write '" + directory.path() + "/none/a.uai': No such file or directory\n"},
+      {{vel_test::data_file("two_failures.yaml"), "--to", "bif", "-o", out}, 1, "",
+       "vel: Umbrella: error 34 (vel_error_invalid_expression): "},
+      {{vel_test::data_file("two_failures.yaml"), "--to", "pdf"}, 2, "", "--to: pdf not in {bif,xmlbif,uai}\n"},
+  };
+  for (const auto &c : cases) {
+    std::vector<std::string> arguments{"export"};
+    arguments.insert(arguments.end(), c.arguments.begin(), c.arguments.end());
+    const auto run = run_vel(arguments);
+    EXPECT_EQ(run.status, c.status) << testing::PrintToString(arguments);
+    EXPECT_EQ(run.out, c.out) << testing::PrintToString(arguments);
+    EXPECT_THAT(run.err, testing::StartsWith(c.err)) << testing::PrintToString(arguments);
+  }
+  // Nothing is written when the export fails.
+  EXPECT_FALSE(std::filesystem::exists(out));
+  const auto bif_decision = run_vel({"export", decisions, "--to", "bif", "--chance-only"});
+  EXPECT_EQ(bif_decision.status, 0);
+  EXPECT_THAT(bif_decision.out, testing::HasSubstr("probability ( Pump ) {\n  table 0.25, 0.75;\n}\n"));
+}
+
+// toulbar2's output for the network's UAI export, or nothing when toulbar2 is
+// not installed.
+std::optional<std::string> run_toulbar2(const TempDir &directory, const std::string &name) {
+  if (std::system("command -v toulbar2 >/dev/null 2>&1") != 0) return std::nullopt;
+  const std::string uai = directory.path() + "/" + name + ".uai", log = directory.path() + "/toulbar2.log";
+  EXPECT_EQ(export_to(network_path(name), "uai", uai).status, 0) << name;
+  const int status = std::system(("toulbar2 '" + uai + "' > '" + log + "' 2>&1").c_str());
+  EXPECT_EQ(status, 0) << uai;
+  return vel_test::read_file(log);
+}
+
+double toulbar2_probability(const std::string &log) {
+  std::smatch match;
+  if (!std::regex_search(log, match, std::regex(R"(Optimum: .* prob: ([0-9.e+-]+))"))) return -1;
+  return std::stod(match[1]);
+}
+
+// The largest probability of a configuration of every node, by enumeration;
+// negative when there are more than a million configurations.
+double most_probable(const LoadedModel &model) {
+  const std::vector<vel_node_t *> nodes = nodes_of(model);
+  double configurations = 1;
+  for (vel_node_t *node : nodes) configurations *= vel_node_get_number_of_states(node);
+  if (configurations > 1e6) return -1;
+  std::map<const vel_node_t *, std::size_t> state;
+  double best = 0;
+  for (bool more = true; more;) {
+    double p = 1;
+    for (vel_node_t *node : nodes) {
+      vel_table_t *table = vel_node_get_table(node);
+      std::size_t index = 0;
+      for (std::size_t i = 0; i < vel_table_get_node_count(table); ++i) {
+        vel_node_t *member = vel_table_get_nodes(table)[i];
+        index = index * vel_node_get_number_of_states(member) + state[member];
+      }
+      p *= vel_table_get_data(table)[index];
+    }
+    best = std::max(best, p);
+    more = false;
+    for (vel_node_t *node : nodes) {
+      if (++state[node] < vel_node_get_number_of_states(node)) {
+        more = true;
+        break;
+      }
+      state[node] = 0;
+    }
+  }
+  return best;
+}
+
+TEST(Toulbar2, ReadsEveryExportedUaiFileWithItsMostProbableConfiguration) {
+  const TempDir directory;
+  for (const std::string name : networks) {
+    const std::optional<std::string> log = run_toulbar2(directory, name);
+    if (!log) GTEST_SKIP() << "toulbar2 is not installed";
+    const LoadedModel model = vel::io::load_network_file(network_path(name));
+    const std::size_t count = nodes_of(model).size();
+    EXPECT_THAT(*log, testing::HasSubstr("Read " + std::to_string(count) + " variables")) << name;
+    EXPECT_THAT(*log, testing::HasSubstr("and " + std::to_string(count) + " cost functions")) << name;
+    EXPECT_THAT(*log, testing::Not(testing::ContainsRegex("Warning|Error|error"))) << name << "\n" << *log;
+    const double expected = most_probable(model);
+    if (expected > 0) {
+      EXPECT_NEAR(toulbar2_probability(*log) / expected, 1, 1e-3) << name;
+    }
+  }
+}
+
+// Waits for `vel infer`: the probability of the most probable configuration
+// that `vel infer --max` reports is the one toulbar2 finds in the UAI export.
+TEST(Toulbar2, MostProbableConfigurationAgreesWithVelInferMax) {
+  if (run_vel({"infer", "--help"}).out.find("Usage: vel infer") == std::string::npos)
+    GTEST_SKIP() << "vel infer is not built yet";
+  const TempDir directory;
+  for (const std::string name : networks) {
+    const std::optional<std::string> log = run_toulbar2(directory, name);
+    if (!log) GTEST_SKIP() << "toulbar2 is not installed";
+    const auto infer = run_vel({"infer", network_path(name), "--max", "--format", "json"});
+    ASSERT_EQ(infer.status, 0) << name << ": " << infer.err;
+    const double vel_probability = nlohmann::json::parse(infer.out).at("probability_of_configuration");
+    EXPECT_NEAR(toulbar2_probability(*log) / vel_probability, 1, 1e-3) << name;
+  }
+}
+
+}  // namespace
