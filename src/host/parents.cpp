@@ -20,7 +20,7 @@ vel_node_t *const empty_list[] = {nullptr};
 // whose topological order lies within [low, high]; false as soon as `stop`
 // is met.
 template <typename Next>
-bool collect(vel_node_t *start, uint64_t low, uint64_t high, const vel_node_t *stop, Next next,
+bool collect(vel_node_t *start, int64_t low, int64_t high, const vel_node_t *stop, Next next,
              std::vector<vel_node_t *> &found) {
   std::unordered_set<const vel_node_t *> seen{start};
   std::vector<vel_node_t *> pending{start};
@@ -30,21 +30,32 @@ bool collect(vel_node_t *start, uint64_t low, uint64_t high, const vel_node_t *s
     if (node == stop) return false;
     found.push_back(node);
     for (vel_node_t *const *other = next(node); other && *other; ++other) {
-      const uint64_t order = (*other)->topological_order;
+      const int64_t order = (*other)->topological_order;
       if (order >= low && order <= high && seen.insert(*other).second) pending.push_back(*other);
     }
   }
   return true;
 }
 
-// Keeps every edge going from a lower to a higher topological order
-// (Pearce and Kelly's dynamic topological sort), so that an edge that agrees
-// with the order is accepted at once and one that does not costs only the
-// nodes between its ends.  False when the edge would close a directed cycle;
-// the order is then untouched.
+// Keeps every edge going from a lower to a higher topological order, so that
+// an edge that agrees with the order is accepted at once.  One that does not
+// is mended cheaply when its parent has no parents (it moves below every
+// node) or its child no children (it moves above every node), as when a
+// network is written children first; otherwise Pearce and Kelly's dynamic
+// topological sort reorders just the nodes between the edge's ends.  False
+// when the edge would close a directed cycle; the order is then valid still.
 bool order_for_edge(vel_node_t *parent, vel_node_t *child) {
-  const uint64_t low = child->topological_order, high = parent->topological_order;
+  const int64_t low = child->topological_order, high = parent->topological_order;
   if (high < low) return true;
+  vel_host_domain_data &domain = *child->domain->host;
+  if (parent->parents == nullptr || parent->parents[0] == nullptr) {
+    parent->topological_order = --domain.lowest_topological_order;
+    return true;
+  }
+  if (child->children == nullptr || child->children[0] == nullptr) {
+    child->topological_order = domain.next_topological_order++;
+    return true;
+  }
   std::vector<vel_node_t *> below, above;
   if (!collect(child, low, high, parent, [](vel_node_t *n) { return n->children; }, below))
     return false;
@@ -54,7 +65,7 @@ bool order_for_edge(vel_node_t *parent, vel_node_t *child) {
   };
   std::sort(below.begin(), below.end(), by_order);
   std::sort(above.begin(), above.end(), by_order);
-  std::vector<uint64_t> orders;
+  std::vector<int64_t> orders;
   orders.reserve(below.size() + above.size());
   for (const vel_node_t *n : above) orders.push_back(n->topological_order);
   for (const vel_node_t *n : below) orders.push_back(n->topological_order);

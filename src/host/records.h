@@ -112,7 +112,7 @@ struct vel_node_s {
   uint64_t child_count;
   uint64_t index;                  // position in the domain's node list
   double propagated_variance;      // continuous: variance after propagation
-  uint64_t topological_order;      // parents always have lower orders than their children
+  int64_t topological_order;       // parents always have lower orders than their children
   // Scratch of the module's walks over the node graph, which must work at any
   // depth without allocating: the links of their worklists and, for a node
   // whose function value is being computed, where its computation resumes.

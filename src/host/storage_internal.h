@@ -60,7 +60,10 @@ struct vel_host_domain_data {
   std::unordered_map<std::string, vel_node_t *> by_name;
   // Every parent edge, as parent index << 32 | child index.
   std::unordered_set<uint64_t> edges;
-  uint64_t next_topological_order = 0;
+  // The next order above and below every node's: new nodes, and nodes moved
+  // to an end of the order, take them.
+  int64_t next_topological_order = 0;
+  int64_t lowest_topological_order = 0;
   uint64_t table_version = 0;  // bumped whenever a table's contents change
   // Models whose tables are generated from results of inference.
   std::vector<vel_model_t *> inference_readers;

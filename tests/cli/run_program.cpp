@@ -40,10 +40,11 @@ std::string TempDir::write(const std::string &name, const std::string &text) con
 
 std::string data_file(const std::string &name) { return std::string(VEL_SOURCE_DIR) + "/tests/cli/data/" + name; }
 
-Run run_vel(const std::vector<std::string> &arguments) {
+namespace {
+
+Run run_program(const std::string &program, const std::vector<std::string> &arguments) {
   const TempDir directory;
   const std::string out_path = directory.path() + "/stdout", err_path = directory.path() + "/stderr";
-  const std::string program = std::string(VEL_BINARY_DIR) + "/bin/vel";
 
   std::vector<char *> argv{const_cast<char *>(program.c_str())};
   for (const std::string &argument : arguments) argv.push_back(const_cast<char *>(argument.c_str()));
@@ -64,6 +65,18 @@ Run run_vel(const std::vector<std::string> &arguments) {
   run.out = read_file(out_path);
   run.err = read_file(err_path);
   return run;
+}
+
+std::string vel_path() { return std::string(VEL_BINARY_DIR) + "/bin/vel"; }
+
+}  // namespace
+
+Run run_vel(const std::vector<std::string> &arguments) { return run_program(vel_path(), arguments); }
+
+Run run_vel_within(std::size_t bytes, const std::vector<std::string> &arguments) {
+  std::vector<std::string> limited{"--as=" + std::to_string(bytes), "--", vel_path()};
+  limited.insert(limited.end(), arguments.begin(), arguments.end());
+  return run_program("/usr/bin/prlimit", limited);
 }
 
 }  // namespace vel_test
