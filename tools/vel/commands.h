@@ -15,6 +15,7 @@ struct GenerateOptions {
   std::string log;
   bool no_log = false;
   bool stats = false;
+  bool propagate = false;  // compile and propagate the file's evidence first
 };
 
 struct EvaluateOptions {
@@ -22,10 +23,19 @@ struct EvaluateOptions {
   std::string node;
   std::string mode = "inference";
   std::string format = "text";
+  bool propagate = false;
+};
+
+struct InferOptions {
+  std::string file;
+  std::vector<std::string> evidence;  // NODE=STATE, or NODE= to retract the file's
+  bool max = false;
+  std::string format = "text";
 };
 
 int run_generate(const GenerateOptions &options);
 int run_check(const std::string &file);
 int run_evaluate(const EvaluateOptions &options);
+int run_infer(const InferOptions &options);
 
 }  // namespace vel::cli

@@ -6,6 +6,7 @@
 #include "commands.h"
 #include "io/table_output.h"
 #include "messages.h"
+#include "propagation.h"
 
 namespace vel::cli {
 
@@ -16,6 +17,21 @@ int run_evaluate(const EvaluateOptions &options) {
   if (!node) {
     report_unknown_node(options.file, options.node);
     return 2;
+  }
+  if (options.propagate && model->inference_block) {
+    report_propagate_refused(options.file);
+    return 2;
+  }
+  if (options.propagate) {
+    if (const int code = compile_and_propagate(*model, {})) {
+      const std::string subject = failure_subject(*model);
+      if (options.format == "json")
+        std::cout << "{\"node\": \"" << options.node << "\", \"mode\": \"" << options.mode
+                  << "\", \"value\": null, \"error\": " << io::json_error({code, subject}) << "}\n";
+      std::cout.flush();
+      report_inference_failure(subject, code);
+      return 1;
+    }
   }
 
   const int mode = options.mode == "configured" ? vel_mode_configured : vel_mode_inference;
@@ -32,6 +48,7 @@ int run_evaluate(const EvaluateOptions &options) {
   std::cout.flush();
   if (code != 0) {
     report_library_failure(options.node, code);
+    report_results_hint(code, options.propagate, *model);
     return 1;
   }
   return 0;

@@ -13,6 +13,7 @@
 #include "io/table_output.h"
 #include "log_view.h"
 #include "messages.h"
+#include "propagation.h"
 
 namespace vel::cli {
 
@@ -64,6 +65,10 @@ int run_generate(const GenerateOptions &options) {
   vel_domain_t *domain = model->domain.get();
   const std::optional<std::vector<vel_node_t *>> nodes = select_nodes(options, domain);
   if (!nodes) return 2;
+  if (options.propagate && model->inference_block) {
+    report_propagate_refused(options.file);
+    return 2;
+  }
 
   // The log: a file of the user's, all of it on standard error, none, or the
   // default view of its first lines.
@@ -87,8 +92,15 @@ int run_generate(const GenerateOptions &options) {
 
   std::vector<vel_node_t *> generated;
   std::optional<io::GenerationError> failure;
+  bool propagation_failed = false;
+  if (options.propagate) {
+    if (const int code = compile_and_propagate(*model, {})) {
+      failure = io::GenerationError{code, failure_subject(*model)};
+      propagation_failed = true;
+    }
+  }
   const bool tables_as_text = options.format == "text" || options.format == "csv";
-  for (vel_node_t *node : *nodes) {
+  for (vel_node_t *node : propagation_failed ? std::vector<vel_node_t *>{} : *nodes) {
     const auto start = std::chrono::steady_clock::now();
     const int code = vel_node_generate_table(node);
     const std::chrono::duration<double, std::milli> took = std::chrono::steady_clock::now() - start;
@@ -112,8 +124,13 @@ int run_generate(const GenerateOptions &options) {
   if (options.format == "json")
     io::write_json_document(std::cout, model->name, generated, failure ? &*failure : nullptr);
   std::cout.flush();
+  if (propagation_failed) {
+    report_inference_failure(failure->node, failure->code);
+    return 1;
+  }
   if (failure) {
     report_library_failure(failure->node, failure->code);
+    report_results_hint(failure->code, options.propagate, *model);
     return 1;
   }
   return 0;

@@ -1,4 +1,4 @@
-// vel: generate, check and evaluate the models of a model file.
+// vel: generate, check and evaluate the models of a model file, and infer.
 #include <CLI/CLI.hpp>
 
 #include <cstdio>
@@ -26,6 +26,8 @@ int main(int argc, char **argv) {
   CLI::Option *no_log = generate_command->add_flag("--no-log", generate.no_log, "Run without a log");
   log->excludes(no_log);
   generate_command->add_flag("--stats", generate.stats, "Report entries and time per table on standard error");
+  generate_command->add_flag("--propagate", generate.propagate,
+                             "Compile the domain and propagate the file's evidence first");
 
   std::string check_file;
   CLI::App *check_command = app.add_subcommand("check", "Check every model without generating");
@@ -38,6 +40,20 @@ int main(int argc, char **argv) {
   evaluate_command->add_option("--mode", evaluate.mode, "Values from inference (default) or configuration")
       ->check(CLI::IsMember({"inference", "configured"}));
   evaluate_command->add_option("--format", evaluate.format, "Output format (default text)")
+      ->check(CLI::IsMember({"text", "json"}));
+  evaluate_command->add_flag("--propagate", evaluate.propagate,
+                             "Compile the domain and propagate the file's evidence first");
+
+  InferOptions infer;
+  CLI::App *infer_command =
+      app.add_subcommand("infer", "Compile, propagate the evidence, print beliefs and expected utilities");
+  infer_command->add_option("FILE", infer.file, "Model file")->required();
+  infer_command
+      ->add_option("--evidence", infer.evidence,
+                   "NODE=STATE: evidence replacing the file's for NODE (NODE=: none); repeatable")
+      ->allow_extra_args(false);
+  infer_command->add_flag("--max", infer.max, "Max-marginals and the most probable configuration");
+  infer_command->add_option("--format", infer.format, "Output format (default text)")
       ->check(CLI::IsMember({"text", "json"}));
 
   try {
@@ -54,6 +70,7 @@ int main(int argc, char **argv) {
       return run_generate(generate);
     }
     if (*check_command) return run_check(check_file);
+    if (*infer_command) return run_infer(infer);
     return run_evaluate(evaluate);
   } catch (const std::exception &error) {
     // Running out of memory, say: a message rather than an abort.
