@@ -3,7 +3,8 @@
 set -euo pipefail
 
 packages=(g++ cmake make libgtest-dev libgmock-dev libbenchmark-dev
-          libyaml-cpp-dev nlohmann-json3-dev libcli11-dev python3-mpmath)
+          libyaml-cpp-dev nlohmann-json3-dev libcli11-dev python3-mpmath
+          python3-numpy python3-yaml)
 
 missing=()
 for p in "${packages[@]}"; do
