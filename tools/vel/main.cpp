@@ -9,7 +9,7 @@
 
 int main(int argc, char **argv) {
   using namespace vel::cli;
-  CLI::App app{"Generates the tables of the nodes of a model file from their models.", "vel"};
+  CLI::App app{"Generates the tables of the nodes of a model file from their models, and infers.", "vel"};
   app.set_version_flag("--version", std::string("vel ") + program_version);
   app.require_subcommand(1);
 
