@@ -6,6 +6,7 @@
 #include <algorithm>
 #include <numeric>
 #include <string>
+#include <unordered_set>
 
 #include "common/error.h"
 #include "host/storage_internal.h"
@@ -62,19 +63,26 @@ int find_root(std::vector<int32_t> &up, int32_t c) {
 }
 
 // Links the cliques into trees: largest separators first, each edge joining
-// two trees; then orders every tree from its first clique.
-void link_trees(JunctionForest &forest) {
+// two trees; then orders every tree from its first clique.  Only cliques
+// that share a node are candidates.
+void link_trees(JunctionForest &forest, const std::vector<std::vector<int32_t>> &cliques_of) {
   const int32_t count = static_cast<int32_t>(forest.cliques.size());
   struct Edge {
     std::size_t weight;
     int32_t a, b;
   };
   std::vector<Edge> edges;
-  for (int32_t a = 0; a < count; ++a)
-    for (int32_t b = a + 1; b < count; ++b)
-      if (std::size_t w = intersection(forest.cliques[a].variables, forest.cliques[b].variables).size())
-        edges.push_back({w, a, b});
-  std::stable_sort(edges.begin(), edges.end(), [](const Edge &x, const Edge &y) { return x.weight > y.weight; });
+  std::unordered_set<uint64_t> seen_pairs;
+  for (const std::vector<int32_t> &holders : cliques_of)
+    for (std::size_t i = 0; i < holders.size(); ++i)
+      for (std::size_t k = i + 1; k < holders.size(); ++k) {
+        const int32_t a = holders[i], b = holders[k];
+        if (!seen_pairs.insert(static_cast<uint64_t>(a) << 32 | static_cast<uint32_t>(b)).second) continue;
+        edges.push_back({intersection(forest.cliques[a].variables, forest.cliques[b].variables).size(), a, b});
+      }
+  std::sort(edges.begin(), edges.end(), [](const Edge &x, const Edge &y) {
+    return x.weight != y.weight ? x.weight > y.weight : x.a != y.a ? x.a < y.a : x.b < y.b;
+  });
   std::vector<int32_t> up(count);
   std::iota(up.begin(), up.end(), 0);
   std::vector<std::vector<int32_t>> linked(count);
@@ -149,10 +157,8 @@ std::vector<uint32_t> table_variables(const JunctionForest &forest, const vel_no
   return family;
 }
 
-void assign_tables(vel_domain_t *domain, JunctionForest &forest) {
-  std::vector<std::vector<int32_t>> cliques_of(forest.nodes.size());
-  for (int32_t c = 0; c < static_cast<int32_t>(forest.cliques.size()); ++c)
-    for (uint32_t v : forest.cliques[c].variables) cliques_of[v].push_back(c);
+void assign_tables(vel_domain_t *domain, JunctionForest &forest,
+                   const std::vector<std::vector<int32_t>> &cliques_of) {
   for (uint32_t v = 0; v < forest.nodes.size(); ++v) forest.home.push_back(smallest_holder(forest, cliques_of, {v}));
   for (vel_node_t *node = domain->first_node; node; node = node->next) {
     if (!host::is_discrete(node) && node->category != vel_category_utility) continue;
@@ -195,9 +201,12 @@ int build_junction_forest(vel_domain_t *domain, std::unique_ptr<JunctionForest> 
     clique.values.assign(sizes[c], 1.0);
     forest->cliques.push_back(std::move(clique));
   }
-  link_trees(*forest);
+  std::vector<std::vector<int32_t>> cliques_of(forest->nodes.size());  // ascending
+  for (int32_t c = 0; c < static_cast<int32_t>(forest->cliques.size()); ++c)
+    for (uint32_t v : forest->cliques[c].variables) cliques_of[v].push_back(c);
+  link_trees(*forest, cliques_of);
   make_separators(*forest);
-  assign_tables(domain, *forest);
+  assign_tables(domain, *forest, cliques_of);
   *result = std::move(forest);
   return _vel_error_code = 0;
 }

@@ -94,13 +94,13 @@ struct Clamp {
 };
 
 // Initialises every clique from the node tables, the entered evidence and
-// the clamps, and propagates (sum, or max when `max`).  On success *log_mass
-// is the log of the total mass (sum: the probability of the evidence; max:
-// that of the most probable configuration).  Evidence of probability 0 gives
+// the clamps, and propagates (sum, or max when `max`).  On success *mass is
+// the total mass (sum: the probability of the evidence; max: that of the
+// most probable configuration).  Evidence of probability 0 gives
 // vel_error_impossible_evidence with *failed_tree set; only the cliques and
 // separators are written.
 int propagate_forest(JunctionForest &forest, bool max, const std::vector<Clamp> &clamps,
-                     double *log_mass, int32_t *failed_tree);
+                     double *mass, int32_t *failed_tree);
 
 // A variable's marginal in its home clique: sums, or maxima when `max`,
 // unnormalised, written to out[0 .. state count).

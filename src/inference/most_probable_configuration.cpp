@@ -61,9 +61,9 @@ int find_most_probable_configuration(JunctionForest &forest, std::vector<int64_t
     }
     if (candidates < 2) continue;
     clamps.push_back({v, chosen[v]});
-    double log_mass = 0.0;
+    double mass = 0.0;
     int32_t failed_tree = -1;
-    if (int code = propagate_forest(forest, true, clamps, &log_mass, &failed_tree)) return code;
+    if (int code = propagate_forest(forest, true, clamps, &mass, &failed_tree)) return code;
   }
   *probability = probability_of(forest, chosen);
   *configuration = std::move(chosen);

@@ -4,10 +4,9 @@
 // each absorption multiplying by new / old separator values (0 / 0 giving 0).
 // Sums make every clique proportional to the joint of its nodes and the
 // evidence; maxima make it the max-marginal.  Every clique is divided by its
-// own total during collection, and the logs of those totals add up to the
-// log of the total mass, so that no product of many small numbers underflows.
+// own total during collection, so that no product of many small numbers
+// underflows; the product of those totals is the total mass.
 #include <algorithm>
-#include <cmath>
 
 #include "common/error.h"
 #include "host/storage_internal.h"
@@ -80,8 +79,8 @@ void marginalise(const Clique &clique, const Strides &strides, bool max, double 
   walk(clique.counts, strides, [&](uint64_t i, uint64_t j) { combine(out[j], clique.values[i], max); });
 }
 
-int collect(JunctionForest &forest, bool max, double *log_mass, int32_t *failed_tree) {
-  double log_total = 0.0;
+int collect(JunctionForest &forest, bool max, double *mass, int32_t *failed_tree) {
+  double product = 1.0;
   for (std::size_t k = forest.order.size(); k-- > 0;) {
     Clique &clique = forest.cliques[forest.order[k]];
     const double total = normalise(clique, max);
@@ -89,7 +88,7 @@ int collect(JunctionForest &forest, bool max, double *log_mass, int32_t *failed_
       *failed_tree = clique.tree;
       return fail(vel_error_impossible_evidence);
     }
-    log_total += std::log(total);
+    product *= total;
     if (clique.parent < 0) continue;
     std::vector<double> &separator = forest.separators[clique.separator];
     marginalise(clique, clique.to_separator, max, separator.data(), separator.size());
@@ -97,7 +96,7 @@ int collect(JunctionForest &forest, bool max, double *log_mass, int32_t *failed_
     walk(parent.counts, clique.parent_to_separator,
          [&](uint64_t i, uint64_t j) { parent.values[i] *= separator[j]; });
   }
-  *log_mass = log_total;
+  *mass = product;
   return 0;
 }
 
@@ -119,10 +118,10 @@ void distribute(JunctionForest &forest, bool max) {
 
 }  // namespace
 
-int propagate_forest(JunctionForest &forest, bool max, const std::vector<Clamp> &clamps, double *log_mass,
+int propagate_forest(JunctionForest &forest, bool max, const std::vector<Clamp> &clamps, double *mass,
                      int32_t *failed_tree) {
   if (int code = initialise(forest, clamps)) return code;
-  if (int code = collect(forest, max, log_mass, failed_tree)) return code;
+  if (int code = collect(forest, max, mass, failed_tree)) return code;
   distribute(forest, max);
   return _vel_error_code = 0;
 }

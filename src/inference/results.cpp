@@ -88,18 +88,18 @@ int report_impossible(const JunctionForest &forest, int32_t tree) {
 }
 
 int run_passes(JunctionForest &forest, bool max, Results &results) {
-  double log_mass = 0.0;
+  double mass = 0.0;
   int32_t failed_tree = -1;
-  int code = propagate_forest(forest, false, {}, &log_mass, &failed_tree);
+  int code = propagate_forest(forest, false, {}, &mass, &failed_tree);
   if (code == vel_error_impossible_evidence) return report_impossible(forest, failed_tree);
   if (code) return code;
-  results.probability_of_evidence = std::exp(log_mass);
+  results.probability_of_evidence = mass;
   if ((code = collect_utilities(forest, results))) return code;
   if (!max) {
     collect_beliefs(forest, false, results);
     return 0;
   }
-  code = propagate_forest(forest, true, {}, &log_mass, &failed_tree);
+  code = propagate_forest(forest, true, {}, &mass, &failed_tree);
   if (code == vel_error_impossible_evidence) return report_impossible(forest, failed_tree);
   if (code) return code;
   collect_beliefs(forest, true, results);

@@ -94,15 +94,21 @@ class Eliminator {
 
 }  // namespace
 
+// An elimination set can only lie inside an earlier clique that holds the
+// node just eliminated, so only those are searched.
 std::vector<std::vector<uint32_t>> triangulate(const MoralGraph &graph) {
   Eliminator eliminator(graph);
   std::vector<std::vector<uint32_t>> cliques;
+  std::vector<std::vector<uint32_t>> holding(graph.nodes.size());  // cliques holding each node
   for (std::size_t step = 0; step < graph.nodes.size(); ++step) {
-    std::vector<uint32_t> set = eliminator.eliminate(eliminator.choose());
-    const bool contained = std::any_of(cliques.begin(), cliques.end(), [&](const std::vector<uint32_t> &c) {
-      return std::includes(c.begin(), c.end(), set.begin(), set.end());
+    const uint32_t v = eliminator.choose();
+    std::vector<uint32_t> set = eliminator.eliminate(v);
+    const bool contained = std::any_of(holding[v].begin(), holding[v].end(), [&](uint32_t c) {
+      return std::includes(cliques[c].begin(), cliques[c].end(), set.begin(), set.end());
     });
-    if (!contained) cliques.push_back(std::move(set));
+    if (contained) continue;
+    for (uint32_t member : set) holding[member].push_back(static_cast<uint32_t>(cliques.size()));
+    cliques.push_back(std::move(set));
   }
   return cliques;
 }
