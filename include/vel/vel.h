@@ -342,7 +342,7 @@ int vel_domain_compile(vel_domain_t *domain);
  * the expected utilities (a max propagation runs a sum pass for them).
  * Tables whose models changed since they were generated are generated again
  * first, except those generated from results of inference, which take part
- * as they stand.  Evidence of probability 0 fails with
+ * as they stand (uniform when they have never been generated).  Evidence of probability 0 fails with
  * vel_error_impossible_evidence and a message naming it, and leaves every
  * result of the previous propagation in place.  On success the results are
  * written into the nodes (beliefs, evidence states, expected utilities,

@@ -60,18 +60,6 @@ TEST(Infer, DocumentsAndEvidenceFromTheCommandLine) {
        "\"Sky\": \"cloudy\"},\n"
        " \"probability_of_configuration\": 0.06250000186264515, \"error\": null}\n",
        ""},
-      // The file's evidence retracted, another state entered instead:
-      // 1/4 * 3/4 and E[Comfort | Rain] = (-20 + 6) / 2.
-      {{"--evidence", "Wet=", "--evidence", "Rain=true"}, 0,
-       "probability of the evidence: 0.25\n"
-       "Rain:  false 0  true 1\n"
-       "Wet:  dry 0.25  wet 0.75\n"
-       "Take:  false 0.5  true 0.5\n"
-       "Cover:  open 0.3333333  closed 0.6666667\n"
-       "Sky:  clear 0  cloudy 1\n"
-       "Comfort: expected utility -7\n"
-       "clique tables: 14 entries\n",
-       ""},
       {{"--evidence", "Sky=clear", "--evidence", "Rain=true", "--format", "json"}, 1,
        "{\"domain\": \"umbrella\", \"evidence\": {\"Rain\": \"true\", \"Wet\": \"wet\", \"Sky\": \"clear\"},\n"
        " \"probability_of_evidence\": null,\n \"beliefs\": [],\n \"expected_utilities\": [], \"error\": {\"code\": 4, "
@@ -80,7 +68,6 @@ TEST(Infer, DocumentsAndEvidenceFromTheCommandLine) {
        "vel: umbrella: error 4 (vel_error_impossible_evidence): the evidence Rain = true, Wet = wet, "
        "Sky = clear is impossible (probability 0)\n"},
       {{"--evidence", "Wet=soaked"}, 2, "", "vel: --evidence Wet=soaked: names no state of the node\n"},
-      {{"--evidence", "Comfort=1"}, 2, "", "vel: --evidence Comfort=1: names a node without states\n"},
       {{"--evidence", "Rain"}, 2, "", "vel: --evidence Rain: is not NODE=STATE\n"},
   };
   for (const auto &c : cases) {
