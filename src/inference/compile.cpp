@@ -41,6 +41,7 @@ int compile(vel_domain_t *domain) {
   if (int code = build_junction_forest(domain, &built)) return fail_compilation(domain, code);
   JunctionForest &forest = *built;
   domain->host->junction_forest = std::shared_ptr<JunctionForest>(std::move(built));
+  if (int code = give_uniform_policies(domain)) return fail_compilation(domain, code);
 
   const std::vector<vel_node_t *> deferred = outdated_readers(domain);
   if (int code = generate_tables(domain, deferred)) return fail_compilation(domain, code);

@@ -119,9 +119,12 @@ int find_most_probable_configuration(JunctionForest &forest, std::vector<int64_t
 int propagate_results(vel_domain_t *domain, JunctionForest &forest, int equilibrium);
 
 // Tables before propagation (table_preparation.cpp).
-// Refuses discrete nodes without states and nodes that need a table but have
-// neither a table nor a model; gives a decision without either a uniform policy.
+// Refuses discrete nodes without states and chance, function and utility
+// nodes that have neither a table nor a model.
 int check_node_tables(vel_domain_t *domain);
+// Gives a decision node without either a uniform policy (after the clique
+// sizes have been checked, since the policy is allocated).
+int give_uniform_policies(vel_domain_t *domain);
 // The models whose tables are outdated and are generated from results of inference.
 std::vector<vel_node_t *> outdated_readers(vel_domain_t *domain);
 // Generates every outdated table but those of `deferred` through the

@@ -15,9 +15,12 @@ namespace vel::inference {
 
 namespace {
 
-bool has_table(const vel_node_t *node) {
+// A node whose table propagation uses but that has neither a model nor a
+// table yet.
+bool needs_table(const vel_node_t *node) {
+  if (!host::is_discrete(node) && node->category != vel_category_utility) return false;
   const host::NodeStorage &storage = host::storage_of(node);
-  return storage.table && !storage.table_stale;
+  return !node->model && !(storage.table && !storage.table_stale);
 }
 
 int refuse(vel_node_t *node, const std::string &why) {
@@ -43,11 +46,16 @@ bool is_deferred(const vel_node_t *node, const std::vector<vel_node_t *> &deferr
 int check_node_tables(vel_domain_t *domain) {
   for (vel_node_t *node = domain->first_node; node; node = node->next) {
     if (host::is_discrete(node) && node->state_count == 0) return refuse(node, "has no states");
-    const bool needs_table = host::is_discrete(node) || node->category == vel_category_utility;
-    if (!needs_table || node->model || has_table(node)) continue;
-    if (node->category != vel_category_decision) return refuse(node, "has neither a table nor a model");
-    if (int code = give_uniform_policy(node)) return code;
+    if (needs_table(node) && node->category != vel_category_decision)
+      return refuse(node, "has neither a table nor a model");
   }
+  return _vel_error_code = 0;
+}
+
+int give_uniform_policies(vel_domain_t *domain) {
+  for (vel_node_t *node = domain->first_node; node; node = node->next)
+    if (needs_table(node) && node->category == vel_category_decision)
+      if (int code = give_uniform_policy(node)) return code;
   return _vel_error_code = 0;
 }
 
