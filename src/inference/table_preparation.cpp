@@ -3,6 +3,7 @@
 // node of the domain's junction tree that has a model; tables generated from
 // results of inference wait until there are results, and until then take
 // part as they stand (uniform when they hold nothing yet).
+#include <algorithm>
 #include <string>
 
 #include "common/error.h"
@@ -33,12 +34,6 @@ int give_uniform_policy(vel_node_t *node) {
   if (!table) return _vel_error_code;
   const std::vector<double> uniform(table->size, 1.0 / static_cast<double>(node->state_count));
   return vel_node_set_table_data(node, uniform.data(), uniform.size());
-}
-
-bool is_deferred(const vel_node_t *node, const std::vector<vel_node_t *> &deferred) {
-  for (const vel_node_t *d : deferred)
-    if (d == node) return true;
-  return false;
 }
 
 }  // namespace
@@ -85,7 +80,8 @@ int generate_tables(vel_domain_t *domain, const std::vector<vel_node_t *> &defer
   if (code == 0) return 0;
   // The walk stops at the first failure, and every table before it is done.
   for (vel_node_t *node = domain->first_node; node; node = node->next)
-    if (node->model && node->model->tables_outdated && !host::is_real_function(node) && !is_deferred(node, deferred)) {
+    if (node->model && node->model->tables_outdated && !host::is_real_function(node) &&
+        std::find(deferred.begin(), deferred.end(), node) == deferred.end()) {
       domain->host->failed_node = node;
       break;
     }
