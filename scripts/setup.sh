@@ -4,7 +4,7 @@ set -euo pipefail
 
 packages=(g++ gcc cmake make pkgconf libgtest-dev libgmock-dev libbenchmark-dev
           libyaml-cpp-dev nlohmann-json3-dev libcli11-dev libexpat1-dev python3-mpmath
-          python3-numpy python3-scipy toulbar2)
+          python3-numpy python3-scipy python3-yaml toulbar2)
 
 missing=()
 for p in "${packages[@]}"; do

@@ -171,9 +171,11 @@ vel_node_t *vel_domain_get_first_node(const vel_domain_t *domain);
 vel_node_t *vel_node_get_next(const vel_node_t *node);
 vel_node_t *vel_domain_get_node_by_name(const vel_domain_t *domain, const char *name);
 
-/* Results of inference, settable until the library has inference of its own:
- * the compiled flag, and the codes of the domain's junction tree (every node
- * belongs to the domain's single junction tree). */
+/* The compiled flag and the codes of the domain's junction tree (the domain
+ * has one junction-tree record, covering all its junction trees, and every
+ * node points to it).  vel_domain_compile and vel_domain_propagate maintain
+ * them; these setters state them for results computed elsewhere.  Setting
+ * the flag to 0 uncompiles a domain that vel_domain_compile compiled. */
 int vel_domain_set_compiled(vel_domain_t *domain, int compiled);
 int vel_domain_is_compiled(const vel_domain_t *domain);
 vel_junction_tree_t *vel_domain_get_junction_tree(const vel_domain_t *domain);
@@ -361,7 +363,85 @@ size_t vel_node_explain_expression(vel_node_t *node, vel_expression_t *expressio
 int vel_node_try_generate_table(vel_node_t *node);
 
 /* ------------------------------------------------------------------------ */
+/* Compilation and propagation                                               */
+
+/* Compiles the domain: its discrete nodes (chance, decision, discrete
+ * function) form a moral graph (each node married to its discrete parents,
+ * and each utility node's discrete parents married), triangulated by
+ * min-fill elimination (ties to the smaller clique), with one junction tree
+ * per connected component.  Continuous and real-valued function nodes take
+ * part in no clique; continuous nodes keep their stated mean and variance.
+ * Every outdated table of a model is generated; a decision node without a
+ * policy (neither a table nor a model) gets a uniform one.  Then the entered
+ * evidence is propagated (sum).  Tables generated from results of inference
+ * (models using probability, quantile, variance, aggregate or function-node
+ * values; discrete function nodes) are generated after that propagation,
+ * from its results, and the domain is propagated once more; no fixed point
+ * is sought, and until they have been generated such tables take part as
+ * uniform.
+ * Fails, leaving the domain uncompiled, with vel_error_usage for a discrete
+ * node without states or a chance, function or utility node with neither a
+ * table nor a model (vel_domain_get_failed_node names it); with
+ * vel_error_too_large when a clique table, or all of them together, would
+ * hold more than 2^27 entries (refused before anything is allocated); with
+ * the generator's code when a table cannot be generated (the failed node is
+ * named); with vel_error_impossible_evidence as vel_domain_propagate.
+ * Changing the domain's nodes, parents or numbers of states uncompiles it. */
+int vel_domain_compile(vel_domain_t *domain);
+/* Propagates the entered evidence through the compiled domain:
+ * vel_equilibrium_sum gives beliefs (marginals); vel_equilibrium_max gives
+ * max-marginals divided by their largest value as beliefs and the most
+ * probable configuration.  Both compute the probability of the evidence and
+ * the expected utilities (a max propagation runs a sum pass for them).
+ * Tables whose models changed since they were generated are generated again
+ * first, except those generated from results of inference, which take part
+ * as they stand (uniform when they have never been generated).  Evidence of probability 0 fails with
+ * vel_error_impossible_evidence and a message naming it, and leaves every
+ * result of the previous propagation in place.  On success the results are
+ * written into the nodes (beliefs, evidence states, expected utilities,
+ * variances), the junction-tree codes set (the equilibrium, no pending
+ * evidence), and the tables and function-node values computed from earlier
+ * results marked outdated.  Not compiled by vel_domain_compile:
+ * vel_error_not_compiled. */
+int vel_domain_propagate(vel_domain_t *domain, int equilibrium);
+
+/* Evidence, kept in the node until retracted and propagated at the next
+ * vel_domain_propagate (or vel_domain_compile); entering it sets the
+ * junction tree's pending-evidence code in a compiled domain.  Either a state
+ * (hard evidence) or one likelihood per state: finite, non-negative, not all
+ * zero, not rescaled (the probability of the evidence is the sum over
+ * configurations of P(x) times the likelihoods of x's states).  Entering
+ * replaces the node's earlier evidence. */
+int vel_node_enter_evidence(vel_node_t *node, size_t state);
+int vel_node_enter_likelihood(vel_node_t *node, const double *likelihood, size_t count);
+int vel_node_retract_evidence(vel_node_t *node);
+int vel_domain_retract_evidence(vel_domain_t *domain);
+
+/* Results that only propagation gives; each needs a compiled domain
+ * (vel_error_not_compiled) and a propagation of the right kind
+ * (vel_error_not_propagated).  Negative on failure. */
+/* P(evidence), after either kind of propagation. */
+double vel_domain_get_probability_of_evidence(const vel_domain_t *domain);
+/* After a max propagation: the most probable configuration of the discrete
+ * nodes (ties to the smallest state index, node by node in node order), a
+ * node's state in it, and P(configuration, evidence). */
+int64_t vel_node_get_most_probable_state(const vel_node_t *node);
+double vel_domain_get_probability_of_configuration(const vel_domain_t *domain);
+/* Entries of all clique tables of the compiled domain; (size_t)-1 on failure. */
+size_t vel_domain_get_clique_table_size(const vel_domain_t *domain);
+/* The node that stopped the last vel_domain_compile or vel_domain_propagate
+ * (refused, or its table could not be generated); NULL when none did. */
+vel_node_t *vel_domain_get_failed_node(const vel_domain_t *domain);
+
+/* ------------------------------------------------------------------------ */
 /* Results of inference and configured values                               */
+
+/* Beliefs, evidence states, means, variances and expected utilities are
+ * written by propagation; the setters below state them for results computed
+ * elsewhere (a model file's inference block).  Each change, and each
+ * propagation, writes the node's variance field (read by the variance
+ * operator): a numbered node's variance under its beliefs, a continuous
+ * node's stated variance, a utility's variance. */
 
 /* Beliefs of a discrete node: `count` must equal its number of states;
  * entries non-negative. */
@@ -372,6 +452,8 @@ double vel_node_get_belief(const vel_node_t *node, size_t state);
 int vel_node_set_evidence(vel_node_t *node, int64_t state);
 /* Mean and variance of a continuous node after propagation. */
 int vel_node_set_mean_and_variance(vel_node_t *node, double mean, double variance);
+/* A continuous node's mean; a numbered node's mean state value under its
+ * beliefs.  Negative with the error code set on failure. */
 double vel_node_get_mean(const vel_node_t *node);
 /* Expected utility of a utility node and its variance. */
 int vel_node_set_expected_utility(vel_node_t *node, double expected_utility, double variance);

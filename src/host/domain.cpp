@@ -27,19 +27,30 @@ vel_domain_t *new_domain(int is_class) {
   });
 }
 
-// Inference results changed for the whole domain: cached function values
-// computed from them are stale, and so are the tables generated from them.
-void invalidate_inferred_function_values(vel_domain_t *domain) {
-  vel::host::outdate_inference_readers(domain, nullptr);
+}  // namespace
+
+namespace vel::host {
+
+void inference_state_changed(vel_domain_t *domain) {
+  outdate_inference_readers(domain, nullptr);
   for (vel_node_t *node = domain->first_node; node; node = node->next) {
-    if (vel::host::is_real_function(node))
+    if (is_real_function(node))
       _vel_invalidate_function_value(node, vel_mode_inference);
     else if (node->category == vel_category_function)
       _vel_node_touch_model(node);
   }
 }
 
-}  // namespace
+void structure_changed(vel_domain_t *domain) {
+  if (!domain->host->junction_forest) return;
+  domain->host->junction_forest.reset();
+  domain->is_compiled = 0;
+  domain->junction_tree->equilibrium = vel_equilibrium_none;
+  domain->junction_tree->evidence_pending = 0;
+  inference_state_changed(domain);
+}
+
+}  // namespace vel::host
 
 extern "C" {
 
@@ -111,8 +122,9 @@ vel_node_t *vel_domain_get_node_by_name(const vel_domain_t *domain, const char *
 
 int vel_domain_set_compiled(vel_domain_t *domain, int compiled) {
   if (!domain) return usage("vel_domain_set_compiled: domain is NULL");
+  if (!compiled) domain->host->junction_forest.reset();
   domain->is_compiled = compiled ? 1 : 0;
-  invalidate_inferred_function_values(domain);
+  vel::host::inference_state_changed(domain);
   return _vel_error_code = 0;
 }
 
@@ -153,7 +165,7 @@ int vel_jt_set_state(vel_junction_tree_t *jt, int equilibrium, int evidence_mode
   jt->equilibrium = equilibrium;
   jt->evidence_mode = evidence_mode;
   jt->evidence_pending = evidence_pending ? 1 : 0;
-  invalidate_inferred_function_values(jt->domain);
+  vel::host::inference_state_changed(jt->domain);
   return _vel_error_code = 0;
 }
 

@@ -56,7 +56,9 @@ int _vel_domain_flush_log_file(vel_domain_t *domain) {
 }
 
 void _vel_node_touch_table(vel_node_t *node, int) {
-  if (node && node->domain && !node->domain->host->trial) ++node->domain->host->table_version;
+  if (!node || !node->domain || node->domain->host->trial) return;
+  ++node->domain->host->table_version;
+  if (vel::host::TableStorage *table = vel::host::storage_of(node).table.get()) table->filled = true;
 }
 
 void _vel_node_touch_model(vel_node_t *node) {

@@ -77,6 +77,10 @@ void forget_inference_reads(vel_model_t *model) {
   storage.reads_inference = false;
 }
 
+bool reads_inference_results(const vel_model_t *model) {
+  return storage_of(model).reads_inference || model->function_value_use != 0;
+}
+
 void outdate_inference_readers(vel_domain_t *domain, const vel_node_t *node) {
   for (vel_model_t *model : domain->host->inference_readers)
     if (!node || reads(model, node)) model->tables_outdated = 1;

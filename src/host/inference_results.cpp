@@ -1,6 +1,7 @@
-// Results of inference and configured values, set from outside until the
-// library propagates on its own.  Every change invalidates the cached
-// function-node values and the tables that were computed from the old results.
+// Results of inference and configured values: stated from outside (a model
+// file's inference block) or written by propagation.  Every change
+// invalidates the cached function-node values and the tables that were
+// computed from the old results, and keeps the nodes' variance fields current.
 #include <cfloat>
 #include <cmath>
 #include <string>
@@ -28,6 +29,41 @@ bool is_utility(const vel_node_t *node) { return node->category == vel_category_
 
 }  // namespace
 
+namespace vel::host {
+
+bool belief_moments(const vel_node_t *node, double *mean, double *variance) {
+  const float *beliefs = node->belief_table->data;
+  double total = 0.0, sum = 0.0;
+  for (uint64_t i = 0; i < node->state_count; ++i) {
+    total += beliefs[i];
+    sum += beliefs[i] * node->state_values[i];
+  }
+  if (!(total > 0.0)) return false;
+  *mean = sum / total;
+  double squares = 0.0;
+  for (uint64_t i = 0; i < node->state_count; ++i) {
+    double deviation = node->state_values[i] - *mean;
+    squares += beliefs[i] * deviation * deviation;
+  }
+  *variance = squares / total;
+  return true;
+}
+
+// A utility's variance is kept as the single-precision value that
+// vel_node_get_variance_of_utility gives, as function nodes read it.
+void write_variance(vel_node_t *node) {
+  if (node->kind > 0) {
+    node->variance = node->propagated_variance;
+  } else if (is_utility(node)) {
+    node->variance = static_cast<float>(node->utility_variance);
+  } else if (is_discrete(node) && node->subtype == vel_subtype_numbered) {
+    double mean = 0.0, variance = 0.0;
+    node->variance = belief_moments(node, &mean, &variance) ? variance : std::nan("");
+  }
+}
+
+}  // namespace vel::host
+
 extern "C" {
 
 int vel_node_set_beliefs(vel_node_t *node, const double *beliefs, size_t count) {
@@ -40,6 +76,7 @@ int vel_node_set_beliefs(vel_node_t *node, const double *beliefs, size_t count) 
       return refuse(node, "takes finite, non-negative beliefs only");
   float *data = node->belief_table->data;
   for (size_t i = 0; i < count; ++i) data[i] = static_cast<float>(beliefs[i]);
+  vel::host::write_variance(node);
   vel::host::outdate_inference_readers(node->domain, node);
   _vel_invalidate_function_children(node, vel_mode_inference);
   return _vel_error_code = 0;
@@ -76,6 +113,7 @@ int vel_node_set_mean_and_variance(vel_node_t *node, double mean, double varianc
     return refuse(node, "takes a finite mean and a finite, non-negative variance");
   node->mean = mean;
   node->propagated_variance = variance;
+  vel::host::write_variance(node);
   vel::host::outdate_inference_readers(node->domain, node);
   _vel_invalidate_function_children(node, vel_mode_inference);
   return _vel_error_code = 0;
@@ -87,12 +125,21 @@ double vel_node_get_mean(const vel_node_t *node) {
     usage("vel_node_get_mean: node is NULL");
     return -1.0;
   }
-  if (node->kind <= 0) {
-    refuse(node, "is not continuous");
+  if (node->kind > 0) {
+    _vel_error_code = 0;
+    return node->mean;
+  }
+  if (!vel::host::is_discrete(node) || node->subtype != vel_subtype_numbered) {
+    refuse(node, "is neither continuous nor numbered");
+    return -1.0;
+  }
+  double mean = 0.0, variance = 0.0;
+  if (!vel::host::belief_moments(node, &mean, &variance)) {
+    vel::fail(vel_error_computation);
     return -1.0;
   }
   _vel_error_code = 0;
-  return node->mean;
+  return mean;
 }
 
 int vel_node_set_expected_utility(vel_node_t *node, double expected_utility, double variance) {
@@ -102,6 +149,7 @@ int vel_node_set_expected_utility(vel_node_t *node, double expected_utility, dou
     return refuse(node, "takes single-precision expected utilities and variances");
   node->expected_utility = expected_utility;
   node->utility_variance = variance;
+  vel::host::write_variance(node);
   vel::host::outdate_inference_readers(node->domain, node);
   _vel_invalidate_function_children(node, vel_mode_inference);
   return _vel_error_code = 0;
@@ -172,23 +220,12 @@ double _vel_node_get_variance(const vel_node_t *node, int) {
     vel::fail(vel_error_usage);
     return -1.0;
   }
-  const float *beliefs = node->belief_table->data;
-  double total = 0.0, mean = 0.0;
-  for (uint64_t i = 0; i < node->state_count; ++i) {
-    total += beliefs[i];
-    mean += beliefs[i] * node->state_values[i];
-  }
-  if (!(total > 0.0)) {
+  double mean = 0.0, variance = 0.0;
+  if (!vel::host::belief_moments(node, &mean, &variance)) {
     vel::fail(vel_error_computation);
     return -1.0;
   }
-  mean /= total;
-  double variance = 0.0;
-  for (uint64_t i = 0; i < node->state_count; ++i) {
-    double deviation = node->state_values[i] - mean;
-    variance += beliefs[i] * deviation * deviation;
-  }
-  return variance / total;
+  return variance;
 }
 
 }  // extern "C"

@@ -107,6 +107,7 @@ vel_node_t *vel_domain_new_node(vel_domain_t *domain, int category, int kind, in
     else
       domain->first_node = &node;
     domain->last_node = &node;
+    vel::host::structure_changed(domain);
     _vel_error_code = 0;
     return &node;
   });

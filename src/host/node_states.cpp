@@ -71,7 +71,10 @@ int vel_node_set_number_of_states(vel_node_t *node, size_t count) {
     for (auto &[model, size] : resized) model->expression_count = size;
     if (node->evidence.state >= static_cast<int64_t>(count)) node->evidence.state = -1;
     if (node->configured_state >= static_cast<int64_t>(count)) node->configured_state = -1;
+    storage.entered_state = -1;
+    storage.entered_likelihood.clear();
     vel::host::invalidate_tables(node);
+    vel::host::structure_changed(node->domain);
     return _vel_error_code = 0;
   });
 }

@@ -117,6 +117,7 @@ int vel_node_add_parent(vel_node_t *node, vel_node_t *parent) {
     vel::host::sync_node_lists(child_storage);
     vel::host::sync_node_lists(parent_storage);
     vel::host::invalidate_own_table(node);
+    vel::host::structure_changed(node->domain);
     return _vel_error_code = 0;
   });
 }

@@ -21,6 +21,7 @@ struct TableStorage {
   vel_table_s record{};
   std::vector<vel_node_t *> nodes;  // NULL-terminated
   std::vector<float> data;
+  bool filled = false;  // contents generated or given since the table was built
 };
 
 struct ModelStorage {
@@ -50,6 +51,11 @@ struct NodeStorage {
   bool table_stale = false;               // parents or state counts changed since it was built
   std::unique_ptr<TableStorage> beliefs;  // discrete nodes: one float per state
   std::unique_ptr<ModelStorage> model;
+  // Evidence entered for the next propagation: a state (hard evidence), or
+  // one likelihood per state; neither when entered_state is -1 and
+  // entered_likelihood is empty.
+  int64_t entered_state = -1;
+  std::vector<double> entered_likelihood;
 };
 
 }  // namespace vel::host
@@ -73,6 +79,11 @@ struct vel_host_domain_data {
   // During a trial generation: tables are written to scratch storage and
   // nothing is told of the change.
   bool trial = false;
+  // The junction trees of a domain compiled by vel_domain_compile, owned
+  // here and read only by the inference unit; empty otherwise.
+  std::shared_ptr<void> junction_forest;
+  // The node that stopped the last compilation or propagation, if one did.
+  vel_node_t *failed_node = nullptr;
 };
 
 namespace vel::host {
@@ -113,6 +124,24 @@ void track_inference_reads(vel_model_t *model);
 void forget_inference_reads(vel_model_t *model);
 // node NULL: a change for the whole domain (compiled flag, junction tree).
 void outdate_inference_readers(vel_domain_t *domain, const vel_node_t *node);
+// Whether generating the model's table needs results of inference: it reads
+// them itself, or reads a real-valued function parent (computed from them).
+bool reads_inference_results(const vel_model_t *model);
+
+// Results of inference changed for the whole domain: cached function values
+// computed from them are stale, and so are the tables generated from them.
+void inference_state_changed(vel_domain_t *domain);
+// The domain's nodes, parents or state counts changed: junction trees built
+// before no longer fit, so a compiled domain becomes uncompiled.
+void structure_changed(vel_domain_t *domain);
+
+// Mean and variance of a numbered node's state values under its normalised
+// beliefs; false when the beliefs have no mass.
+bool belief_moments(const vel_node_t *node, double *mean, double *variance);
+// Writes the node's variance field from its current results: a numbered
+// node's under its beliefs (NaN without belief mass), a continuous node's
+// stated one, a utility node's; other nodes are left alone.
+void write_variance(vel_node_t *node);
 
 // Predicates on node classes.
 inline bool is_discrete(const vel_node_t *node) { return node->kind == vel_kind_discrete; }

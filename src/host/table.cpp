@@ -120,6 +120,7 @@ vel_table_t *vel_node_get_table(vel_node_t *node) {
     table.record.node_count = table.nodes.size() - 1;
     table.record.data = table.data.data();
     table.record.size = size;
+    table.filled = false;
     storage.table_stale = false;
     _vel_error_code = 0;
     return &table.record;

@@ -72,6 +72,8 @@ void set_beliefs(const Source &source, const NodeDecl &decl, const Entry &entry)
     library_failure(source, entry, "cannot set the beliefs of '" + decl.name + "'");
 }
 
+}  // namespace
+
 long long read_state(const Source &source, const NodeDecl &decl, const Entry &entry) {
   const long long state = entry.value.IsScalar() ? find_named_state(decl.node, entry.value) : -1;
   if (state < 0) {
@@ -82,15 +84,14 @@ long long read_state(const Source &source, const NodeDecl &decl, const Entry &en
   return state;
 }
 
-void set_discrete_results(const Source &source, const NodeDecl &decl) {
+namespace {
+
+void set_discrete_results(const Source &source, const NodeDecl &decl, bool stated,
+                          std::vector<FileEvidence> &evidence) {
   const Entry beliefs = find(decl.map, "beliefs");
   if (beliefs.present()) set_beliefs(source, decl, beliefs);
-  const Entry evidence = find(decl.map, "evidence");
-  if (evidence.present()) {
-    const long long state = evidence.value.IsNull() ? -1 : read_state(source, decl, evidence);
-    if (vel_node_set_evidence(decl.node, state) != 0)
-      library_failure(source, evidence, "cannot set the evidence of '" + decl.name + "'");
-  }
+  if (const Entry entry = find(decl.map, "evidence"); entry.present())
+    read_evidence(source, decl, entry, stated, evidence);
   const Entry configured = find(decl.map, "configured");
   if (configured.present() &&
       vel_node_set_configured_state(decl.node, read_state(source, decl, configured)) != 0)
@@ -193,11 +194,12 @@ void set_inference_state(const Source &source, const Entry &inference, vel_domai
       library_failure(source, inference, "cannot set the junction tree's state");
 }
 
-void set_node_results(const Source &source, const std::vector<NodeDecl> &decls) {
+void set_node_results(const Source &source, const std::vector<NodeDecl> &decls, bool stated,
+                      std::vector<FileEvidence> &evidence) {
   for (const NodeDecl &decl : decls) {
     check_applicable(source, decl);
     if (vel_node_get_kind(decl.node) == vel_kind_discrete)
-      set_discrete_results(source, decl);
+      set_discrete_results(source, decl, stated, evidence);
     else
       set_numeric_results(source, decl);
   }

@@ -33,7 +33,17 @@ void connect_parents(const Source &source, const std::vector<NodeDecl> &decls);
 void attach_models_and_tables(const Source &source, std::vector<NodeDecl> &decls,
                               std::size_t default_samples);
 void set_inference_state(const Source &source, const Entry &inference, vel_domain_t *domain);
-void set_node_results(const Source &source, const std::vector<NodeDecl> &decls);
+// `stated`: the file has an inference block.  Every node's evidence is
+// recorded in `evidence`; stated evidence is also set in the domain.
+void set_node_results(const Source &source, const std::vector<NodeDecl> &decls, bool stated,
+                      std::vector<FileEvidence> &evidence);
+// A node's `evidence` entry: a state, or {likelihood: [..]} (not with stated results).
+void read_evidence(const Source &source, const NodeDecl &decl, const Entry &entry, bool stated,
+                   std::vector<FileEvidence> &evidence);
+
+// The state that a node's `evidence` or `configured` entry names; fails
+// with a message when it names none.
+long long read_state(const Source &source, const NodeDecl &decl, const Entry &entry);
 
 // The state of a discrete node that `value` names the way a person enters it
 // (label, true/false, state value, a number inside an interval); -1 if none.

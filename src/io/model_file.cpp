@@ -36,8 +36,9 @@ LoadedModel build(const Source &source, const YAML::Node &root) {
   detail::connect_parents(source, decls);
   detail::attach_models_and_tables(source, decls, default_samples);
   const Entry inference = detail::find(root, "inference");
+  model.inference_block = inference.present();
   if (inference.present()) detail::set_inference_state(source, inference, model.domain.get());
-  detail::set_node_results(source, decls);
+  detail::set_node_results(source, decls, model.inference_block, model.evidence);
   for (detail::NodeDecl &decl : decls) model.sources.emplace(decl.node, std::move(decl.where));
   return model;
 }

@@ -33,12 +33,23 @@ struct NodeSource {
   std::vector<Position> expressions;  // one per expression index; may be empty
 };
 
+// A node's `evidence` in the file: a state, or one likelihood per state.
+struct FileEvidence {
+  vel_node_t *node = nullptr;
+  long long state = -1;            // -1: a likelihood
+  std::vector<double> likelihood;  // empty: a state
+};
+
 // A loaded model file: the domain, the name the file gives it, and where each
-// node's items stand in the file.
+// node's items stand in the file.  Without an `inference` block, `evidence`
+// is evidence to enter before propagating; with one it is the propagated
+// evidence state of the stated results, set in the domain already.
 struct LoadedModel {
   DomainPtr domain;
   std::string name;
   std::unordered_map<const vel_node_t *, NodeSource> sources;
+  std::vector<FileEvidence> evidence;  // in file order
+  bool inference_block = false;        // the file states results of inference
 };
 
 // A file that cannot be loaded.  what() is the whole message:
@@ -48,6 +59,11 @@ class LoadError : public std::runtime_error {
  public:
   using std::runtime_error::runtime_error;
 };
+
+// The state of a discrete node that `text` names the way a file names it (a
+// label, false/true, a numbered state's value, a number inside an interval);
+// -1 when it names none.
+long long state_named(vel_node_t *node, const std::string &text);
 
 // Reads and loads the file at `path`; throws LoadError.  Nothing is left
 // half-built: on failure the domain built so far is deleted.

@@ -155,12 +155,11 @@ int check_inference_state(const vel_node_t *node) {
   return vel::fail(vel_error_computation);
 }
 
-// Sum of the beliefs of the states in which the condition holds.  The node's
-// state_index and value are borrowed for the sweep and always given back.
+// Sum of the beliefs of the states in which the condition holds; 0.0 for a
+// node without states.  The node's state_index and value are borrowed for
+// the sweep and always given back.
 int sum_beliefs(vel_node_t *node, const vel_expression_t *condition, double *result) {
-  if (!node->belief_table || !node->belief_table->data)
-    return vel::fail(vel_error_computation);
-  const float *beliefs = node->belief_table->data;
+  const float *beliefs = node->state_count > 0 ? node->belief_table->data : nullptr;
   const double saved_value = node->value;
   double sum = 0.0;
   for (uint64_t i = 0; i < node->state_count; ++i) {

@@ -19,7 +19,8 @@ struct Case {
   const char *message;
 };
 
-const char *const not_compiled = "a value from inference is needed but the domain is not compiled";
+const char *const not_compiled = "a value from inference is needed but the domain is not compiled; use "
+                                  "--propagate, or state results in an inference block";
 const char *const invalid = "model without expressions, missing or unfitting expression, value "
                             "without a state, or operator not applicable to the node";
 

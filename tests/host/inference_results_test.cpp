@@ -105,8 +105,12 @@ TEST_F(InferenceResultsTest, SettersAndReaders) {
 
   ASSERT_EQ(vel_node_set_mean_and_variance(level, 2.5, 0.25), 0);
   EXPECT_EQ(_vel_node_get_variance(level, 1), 0.25);
-  EXPECT_EQ(level->variance, 0.0) << "the operator's field belongs to the module";
   EXPECT_DOUBLE_EQ(_vel_node_get_variance(numbered, 1), 50.0);
+  // The variance operator's field follows every change of stated results.
+  ASSERT_EQ(vel_node_set_expected_utility(cost, 1, 2.5), 0);
+  EXPECT_EQ(level->variance, 0.25);
+  EXPECT_DOUBLE_EQ(numbered->variance, 50.0);
+  EXPECT_EQ(cost->variance, 2.5);
   ASSERT_EQ(vel_node_set_configured_value(level, 3.5), 0);
   EXPECT_EQ(level->evidence.value, 3.5);
 

@@ -52,6 +52,26 @@ nodes:
   EXPECT_EQ(vel_node_get_variance_of_utility(node(model, "Cost")), 4.0f);
 }
 
+// Without an inference block evidence waits to be entered; with one it is
+// the stated evidence state as well.
+TEST(Loader, EvidenceToEnterOrStated) {
+  const std::string nodes = R"yaml(
+nodes:
+  - {name: A, type: labeled, states: [a, b], evidence: b}
+  - {name: N, type: numbered, states: [1, 2, 4], evidence: {likelihood: [0.5, 0, 2]}}
+)yaml";
+  for (const bool stated : {false, true}) {
+    const auto model = load_model_text(stated ? "inference: {}\n" + nodes.substr(0, nodes.find("  - {name: N")) : nodes, "m.yaml");
+    EXPECT_EQ(model.inference_block, stated);
+    ASSERT_EQ(model.evidence.size(), stated ? 1u : 2u);
+    EXPECT_EQ(model.evidence[0].node, node(model, "A"));
+    EXPECT_EQ(model.evidence[0].state, 1);
+    if (!stated) {
+      EXPECT_EQ(model.evidence[1].likelihood, (std::vector<double>{0.5, 0, 2}));
+    }
+  }
+}
+
 TEST(Loader, JsonDocumentAndDomainNameFromTheFile) {
   const auto model = load_model_text(
       R"({"nodes": [{"name": "T", "type": "interval", "states": ["-inf", 0, "inf"]}]})", "dir/plant.model.json");

@@ -123,7 +123,8 @@ class ProbabilityTest : public ExpressionTest {
       : b_(boolean("B")),
         n_(numbered("N", {1, 2, 3})),
         l_(labeled("L", {"a", "b", "c"})),
-        i_(interval("I", 3)) {}
+        i_(interval("I", 3)),
+        e_(labeled("E", {})) {}
 
   // probability(...) typed in mode 1, evaluated; the node's state and value
   // must be back as they were, on success and on failure.
@@ -139,7 +140,7 @@ class ProbabilityTest : public ExpressionTest {
     return code;
   }
 
-  vel_node_t *b_, *n_, *l_, *i_;
+  vel_node_t *b_, *n_, *l_, *i_, *e_;
 };
 
 // In the zero-belief rows the condition fails in state 1 of L; with belief 0
@@ -163,9 +164,10 @@ TEST_F(ProbabilityTest, SumsSinglePrecisionBeliefsOverStates) {
       {'N', {0.1, 0.2, 0.7}, -1, "probability(if(N == 2, log(0) < 1, true))", 37, 0},
       {'I', {0.25, 0.25, 0.5}, -1, "probability(I < 1.5)", vel_error_invalid_expression, 0},
       {'I', {0.25, 0.25, 0.5}, -1, "probability(state_index(I) > 0)", 0, 0.75},
+      {'E', {}, -1, "probability(E == \"a\")", 0, 0.0},  // no states: an empty sum
   };
   for (const auto &c : cases) {
-    vel_node_t *node = c.node == 'B' ? b_ : c.node == 'N' ? n_ : c.node == 'L' ? l_ : i_;
+    vel_node_t *node = c.node == 'B' ? b_ : c.node == 'N' ? n_ : c.node == 'L' ? l_ : c.node == 'E' ? e_ : i_;
     propagate(node, c.beliefs);
     node->state_index = c.state;
     double result = -1;

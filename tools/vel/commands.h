@@ -24,6 +24,7 @@ struct GenerateOptions {
   std::string log;
   bool no_log = false;
   bool stats = false;
+  bool propagate = false;  // compile and propagate the file's evidence first
 };
 
 struct CheckOptions {
@@ -36,6 +37,14 @@ struct EvaluateOptions {
   std::string file;
   std::string node;
   std::string mode = "inference";
+  std::string format = "text";
+  bool propagate = false;
+};
+
+struct InferOptions {
+  std::string file;
+  std::vector<std::string> evidence;  // NODE=STATE, or NODE= to retract the file's
+  bool max = false;
   std::string format = "text";
 };
 
@@ -50,5 +59,6 @@ int run_generate(const GenerateOptions &options);
 int run_check(const CheckOptions &options);
 int run_evaluate(const EvaluateOptions &options);
 int run_export(const ExportOptions &options);
+int run_infer(const InferOptions &options);
 
 }  // namespace vel::cli

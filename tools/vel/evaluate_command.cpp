@@ -7,6 +7,7 @@
 #include "io/json_text.h"
 #include "io/table_output.h"
 #include "messages.h"
+#include "propagation.h"
 
 namespace vel::cli {
 
@@ -34,11 +35,26 @@ int run_evaluate(const EvaluateOptions &options) {
     report_unknown_node(options.file, options.node);
     return 2;
   }
+  if (options.propagate && model->inference_block) {
+    report_propagate_refused(options.file);
+    return 2;
+  }
+  if (options.propagate) {
+    if (const int code = compile_and_propagate(*model, {})) {
+      const io::GenerationError failure{code, failure_subject(*model), inference_failure(code)};
+      if (json) write_json(options, "null", io::json_error(failure));
+      std::cout.flush();
+      report_library_failure(failure.node, code, failure.message);
+      return 1;
+    }
+  }
 
   const int mode = options.mode == "configured" ? vel_mode_configured : vel_mode_inference;
   double value = 0.0;
   const int code = vel_node_compute_value(node, mode, &value);
-  const io::GenerationError failure{code, options.node, code ? vel_error_message() : ""};
+  const io::GenerationError failure{
+      code, options.node,
+      code ? with_results_hint(vel_error_message(), code, options.propagate, *model) : ""};
   if (json) write_json(options, code ? "null" : io::json_number(value), code ? io::json_error(failure) : "null");
   else if (code == 0) std::cout << io::shortest_text(value) << '\n';
   std::cout.flush();

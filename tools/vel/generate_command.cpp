@@ -18,6 +18,7 @@
 #include "log_view.h"
 #include "messages.h"
 #include "progress.h"
+#include "propagation.h"
 
 namespace vel::cli {
 
@@ -158,6 +159,10 @@ int run_generate(const GenerateOptions &options) {
   vel_domain_t *domain = model->domain.get();
   const std::optional<std::vector<vel_node_t *>> nodes = select_nodes(options, *model);
   if (!nodes) return 2;
+  if (options.propagate && model->inference_block) {
+    report_propagate_refused(options.file);
+    return 2;
+  }
   TableWriter writer(options);
   LogSetup log;
   if (!writer.prepare() || !log.open(options)) return 2;
@@ -166,7 +171,11 @@ int run_generate(const GenerateOptions &options) {
   std::vector<vel_node_t *> shown;
   std::optional<io::GenerationError> failure;
   bool write_failed = false;
-  {
+  if (options.propagate) {
+    if (const int code = compile_and_propagate(*model, {}))
+      failure = io::GenerationError{code, failure_subject(*model), inference_failure(code)};
+  }
+  if (!failure) {
     Progress progress(nodes->size());
     for (vel_node_t *node : *nodes) {
       const bool literal = !vel_node_get_model(node) && options.nodes.empty();
@@ -200,10 +209,11 @@ int run_generate(const GenerateOptions &options) {
   if (log.view && log.view->hidden_lines() > 0)
     std::fprintf(stderr, "\xE2\x80\xA6 %zu more log lines; use --log FILE to keep them all\n",
                  log.view->hidden_lines());
-  if (failure && !log.stream) {
-    vel_node_t *node = vel_domain_get_node_by_name(domain, failure->node.c_str());
-    failure->message = generation_failure(node, failure->code);
-  }
+  if (failure && !log.stream)
+    if (vel_node_t *node = vel_domain_get_node_by_name(domain, failure->node.c_str()))
+      failure->message = generation_failure(node, failure->code);
+  if (failure)
+    failure->message = with_results_hint(failure->message, failure->code, options.propagate, *model);
   vel_domain_set_log_file(domain, nullptr);
   if (json) io::write_json_document(std::cout, model->name, shown, failure ? &*failure : nullptr);
   std::cout.flush();

@@ -1,5 +1,5 @@
 // vel: generate, check and evaluate the models of a model file or network,
-// and export networks.
+// infer, and export networks.
 #include <CLI/CLI.hpp>
 
 #include <cstdio>
@@ -41,6 +41,8 @@ int main(int argc, char **argv) {
   CLI::Option *no_log = generate_command->add_flag("--no-log", generate.no_log, "Run without a log");
   log->excludes(no_log);
   generate_command->add_flag("--stats", generate.stats, "Report entries and time per table on standard error");
+  generate_command->add_flag("--propagate", generate.propagate,
+                             "Compile the domain and propagate the file's evidence first");
 
   CheckOptions check;
   CLI::App *check_command = app.add_subcommand("check", "Check every model without generating");
@@ -56,6 +58,20 @@ int main(int argc, char **argv) {
   evaluate_command->add_option("--mode", evaluate.mode, "Values from inference (default) or configuration")
       ->check(CLI::IsMember({"inference", "configured"}));
   evaluate_command->add_option("--format", evaluate.format, "Output format (default text)")
+      ->check(CLI::IsMember({"text", "json"}));
+  evaluate_command->add_flag("--propagate", evaluate.propagate,
+                             "Compile the domain and propagate the file's evidence first");
+
+  InferOptions infer;
+  CLI::App *infer_command =
+      app.add_subcommand("infer", "Compile, propagate the evidence, print beliefs and expected utilities");
+  infer_command->add_option("FILE", infer.file, "Model file")->required();
+  infer_command
+      ->add_option("--evidence", infer.evidence,
+                   "NODE=STATE: evidence replacing the file's for NODE (NODE=: none); repeatable")
+      ->allow_extra_args(false);
+  infer_command->add_flag("--max", infer.max, "Max-marginals and the most probable configuration");
+  infer_command->add_option("--format", infer.format, "Output format (default text)")
       ->check(CLI::IsMember({"text", "json"}));
 
   ExportOptions export_options;
@@ -87,6 +103,7 @@ int main(int argc, char **argv) {
     }
     if (*check_command) return run_check(check);
     if (*export_command) return run_export(export_options);
+    if (*infer_command) return run_infer(infer);
     return run_evaluate(evaluate);
   } catch (const std::exception &error) {
     // Running out of memory, say: a message rather than an abort.
