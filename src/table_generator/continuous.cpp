@@ -4,6 +4,7 @@
 #include <cstdio>
 
 #include "common/error.h"
+#include "special/interval_ends.h"
 #include "special/special.h"
 #include "table_generator/continuous_law.h"
 #include "table_generator/distribution_log.h"
@@ -41,32 +42,37 @@ int check_state_range(double lower, double upper, vel_node_t *node, uint64_t n, 
 namespace {
 
 // Calls visit(mass) with mass(x1, x2) the probability that the law puts on
-// (x1, x2), so that the interval function is chosen once per row.
+// (x1, x2), so that the interval function is chosen once per row.  Each end
+// of the intervals is evaluated once: the masses of one row share a cache of
+// ends.
 template <typename Visit>
 int with_interval_function(const continuous_law_t &law, Visit visit) {
   const double a = law.p[0], b = law.p[1], c = law.p[2], d = law.p[3];
   const double location = law.location;
+  GaussEnds gauss;
+  RatioEnds ratio;
+  TailEnds tail;
   switch (law.op) {
     case vel_op_Normal:
-      return visit([=](double x1, double x2) { return _vel_Gauss_cdf(x1, x2, a, b); });
+      return visit([&](double x1, double x2) { return gauss_interval(x1, x2, a, b, gauss); });
     case vel_op_LogNormal:
-      return visit([=](double x1, double x2) {
-        return LogNormal_cdf(shift(x1, location), shift(x2, location), a, b);
+      return visit([&](double x1, double x2) {
+        return log_normal_interval(shift(x1, location), shift(x2, location), a, b, gauss);
       });
     case vel_op_Beta:
     case vel_op_PERT:
-      return visit([=](double x1, double x2) { return Beta_cdf(x1, x2, a, b, c, d); });
+      return visit([&](double x1, double x2) { return beta_interval(x1, x2, a, b, c, d, ratio); });
     case vel_op_Gamma:
-      return visit([=](double x1, double x2) {
-        return Gamma_cdf(shift(x1, location), shift(x2, location), a, b);
+      return visit([&](double x1, double x2) {
+        return gamma_interval(shift(x1, location), shift(x2, location), a, b, ratio);
       });
     case vel_op_Exponential:
-      return visit([=](double x1, double x2) {
-        return Exponential_cdf(shift(x1, location), shift(x2, location), a);
+      return visit([&](double x1, double x2) {
+        return weibull_interval(shift(x1, location), shift(x2, location), 1.0, a, tail);
       });
     case vel_op_Weibull:
-      return visit([=](double x1, double x2) {
-        return Weibull_cdf(shift(x1, location), shift(x2, location), a, b);
+      return visit([&](double x1, double x2) {
+        return weibull_interval(shift(x1, location), shift(x2, location), a, b, tail);
       });
     case vel_op_Uniform:
       return visit([=](double x1, double x2) { return Uniform_cdf(x1, x2, a, b); });

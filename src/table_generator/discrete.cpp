@@ -4,6 +4,7 @@
 #include <cmath>
 
 #include "common/error.h"
+#include "special/interval_ends.h"
 #include "special/special.h"
 #include "table_generator/binomial.h"
 #include "table_generator/distribution_log.h"
@@ -55,16 +56,15 @@ int read_discrete_law(const vel_expression_t *distribution, discrete_law_t *law)
 }
 
 // Mass of the counts k with x1 <= k < x2; x2 = DBL_MAX takes the whole tail.
-double count_mass(const discrete_law_t *law, double x1, double x2) {
+// The masses of one row share `ends`, so each end is evaluated once.
+double count_mass(const discrete_law_t *law, double x1, double x2, RatioEnds &ends) {
   switch (law->op) {
     case vel_op_Binomial:
-      return _vel_Binomial_cdf(x1, x2, law->first, law->p, law->q);
+      return binomial_interval(x1, x2, law->first, law->p, law->q, ends);
     case vel_op_Poisson:
-      return _vel_Poisson_cdf(x1, x2, law->first);
-    case vel_op_NegativeBinomial:
-      return NegativeBinomial_cdf(x1, x2, law->first, law->p, law->q);
-    default:
-      return Geometric_cdf(x1, x2, law->p, law->q);
+      return poisson_interval(x1, x2, law->first, ends);
+    default:  // NegativeBinomial, and Geometric with r = 1
+      return negative_binomial_interval(x1, x2, law->first, law->p, law->q, ends);
   }
 }
 
@@ -110,7 +110,8 @@ int on_numbered(const discrete_law_t *law, double *result, uint64_t n) {
     if (k > 0) mass = poisson ? mass * r / kk : mass * law->q * (kk - 1 + r) / kk;
     put(result, n, k, mass);
   }
-  const double tail = count_mass(law, static_cast<double>(last), DBL_MAX);
+  RatioEnds ends;
+  const double tail = count_mass(law, static_cast<double>(last), DBL_MAX, ends);
   if (tail < 0) return _vel_error_code;
   put(result, n, last, tail);
   return 0;
@@ -126,23 +127,24 @@ int on_interval(const discrete_law_t *law, const vel_node_t *node, double *resul
   }
   if (n == 0) return 0;
   const uint64_t end = binomial ? n - 1 : n;
+  RatioEnds ends;
   double x = v[0];
   for (uint64_t i = 0; i < end; ++i) {
     double mass = 0.0;
     if (v[i + 1] <= v[i]) {
       if (std::floor(x) == x) {
         x = x + 1;
-        mass = count_mass(law, v[i], x);
+        mass = count_mass(law, v[i], x, ends);
       }
     } else {
-      mass = count_mass(law, x, v[i + 1]);
+      mass = count_mass(law, x, v[i + 1], ends);
       x = v[i + 1];
     }
     if (mass < 0) return _vel_error_code;
     put(result, n, i, mass);
   }
   if (binomial) {
-    const double tail = count_mass(law, x, DBL_MAX);
+    const double tail = count_mass(law, x, DBL_MAX, ends);
     if (tail < 0) return _vel_error_code;
     put(result, n, n - 1, tail);
   }
