@@ -3,6 +3,7 @@
 #include <cstring>
 
 #include "common/error.h"
+#include "table_generator/numeric_operators.h"
 #include "table_generator/table_generator.h"
 
 namespace {
@@ -44,12 +45,9 @@ int compare(const vel_expression_t *e) {
   double b;
   if (eval_numeric_expr(e->arguments[0], &a) || eval_numeric_expr(e->arguments[1], &b))
     return -1;
-  switch (e->operator_) {
-    case vel_op_less_than: return a < b;
-    case vel_op_greater_than: return a > b;
-    case vel_op_less_or_equal: return a <= b;
-    default: return a >= b;
-  }
+  return numeric::with_comparison(e->operator_, [&]<uint32_t Op>() -> int {
+    return numeric::compare<Op>(a, b);
+  });
 }
 
 int node_truth(const vel_node_t *node) {

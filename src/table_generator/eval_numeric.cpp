@@ -5,111 +5,31 @@
 
 #include "common/error.h"
 #include "host/host.h"
+#include "table_generator/numeric_operators.h"
 #include "table_generator/table_generator.h"
 
 namespace {
-
-constexpr double inverse_ln2 = 1.4426950408889634;
-constexpr double two_to_63 = 9223372036854775808.0;
-
-// A negative base needs an integral exponent that fits a signed 64-bit
-// integer.  The range test comes first: converting anything outside
-// [-2^63, 2^63), or NaN, to an integer is undefined.  2^63 itself is refused
-// here, as it would not survive the round trip through the integer anyway.
-int power(double a, double b, double *result) {
-  if (a > 0) {
-    *result = std::pow(a, b);
-    return 0;
-  }
-  if (a < 0) {
-    if (!(b >= -two_to_63 && b < two_to_63)) return vel::fail(vel_error_invalid_argument);
-    const int64_t n = static_cast<int64_t>(b);
-    if (static_cast<double>(n) != b) return vel::fail(vel_error_invalid_argument);
-    const double magnitude = std::pow(-a, b);
-    *result = (n & 1) == 0 ? magnitude : -magnitude;
-    return 0;
-  }
-  // Zero or NaN base: 0^0 is refused deliberately.
-  if (b > 0) {
-    *result = 0.0;
-    return 0;
-  }
-  return vel::fail(vel_error_invalid_argument);
-}
-
-// Floored modulo: the result takes the sign of the divisor.
-int floored_mod(double a, double b, double *result) {
-  if (b == 0) return vel::fail(vel_error_invalid_argument);
-  double r = std::fmod(a, b);
-  if (r != 0 && a * b < 0) r += b;
-  *result = r;
-  return 0;
-}
 
 int binary(const vel_expression_t *e, double *result) {
   double a;
   double b;
   if (eval_numeric_expr(e->arguments[0], &a)) return _vel_error_code;
   if (eval_numeric_expr(e->arguments[1], &b)) return _vel_error_code;
-  switch (e->operator_) {
-    case vel_op_add:
-      *result = a + b;
-      return 0;
-    case vel_op_subtract:
-      *result = a - b;
-      return 0;
-    case vel_op_multiply:
-      *result = a * b;
-      return 0;
-    case vel_op_divide:
-      if (b == 0) return vel::fail(vel_error_division_by_zero);
-      *result = a / b;
-      return 0;
-    case vel_op_power:
-      return power(a, b, result);
-    default:  // mod
-      return floored_mod(a, b, result);
-  }
+  const int code = numeric::with_binary(e->operator_, [&]<uint32_t Op>() {
+    return numeric::binary<Op>(a, b, result);
+  });
+  return code ? vel::fail(code) : 0;
 }
 
 int unary(const vel_expression_t *e, double *result) {
   double x;
   if (eval_numeric_expr(e->arguments[0], &x)) return _vel_error_code;
-  switch (e->operator_) {
-    case vel_op_log:
-      if (x <= 0) return vel::fail(vel_error_invalid_argument);
-      *result = std::log(x);
-      return 0;
-    case vel_op_log2:
-      if (x <= 0) return vel::fail(vel_error_invalid_argument);
-      *result = std::log(x) * inverse_ln2;
-      return 0;
-    case vel_op_log10:
-      if (x <= 0) return vel::fail(vel_error_invalid_argument);
-      *result = std::log10(x);
-      return 0;
-    case vel_op_sqrt:
-      if (x < 0) return vel::fail(vel_error_invalid_argument);
-      *result = std::sqrt(x);
-      return 0;
-    case vel_op_exp: *result = std::exp(x); return 0;
-    case vel_op_sin: *result = std::sin(x); return 0;
-    case vel_op_cos: *result = std::cos(x); return 0;
-    case vel_op_tan: *result = std::tan(x); return 0;
-    case vel_op_sinh: *result = std::sinh(x); return 0;
-    case vel_op_cosh: *result = std::cosh(x); return 0;
-    case vel_op_tanh: *result = std::tanh(x); return 0;
-    case vel_op_abs: *result = std::fabs(x); return 0;
-    case vel_op_floor: *result = std::floor(x); return 0;
-    case vel_op_ceil: *result = std::ceil(x); return 0;
-    default:  // negate
-      *result = -x;
-      return 0;
-  }
+  const int code = numeric::with_unary(e->operator_, [&]<uint32_t Op>() {
+    return numeric::unary<Op>(x, result);
+  });
+  return code ? vel::fail(code) : 0;
 }
 
-// min and max keep the running result unless the new value is strictly
-// better, so a NaN already held is never replaced and a later NaN never wins.
 int extremum(const vel_expression_t *e, double *result) {
   vel_expression_t *const *args = e->arguments;
   if (eval_numeric_expr(args[0], result)) return _vel_error_code;
@@ -117,7 +37,7 @@ int extremum(const vel_expression_t *e, double *result) {
   for (size_t i = 1; args[i]; ++i) {
     double t;
     if (eval_numeric_expr(args[i], &t)) return _vel_error_code;
-    if (is_min ? *result > t : t > *result) *result = t;
+    *result = is_min ? numeric::min_step(*result, t) : numeric::max_step(*result, t);
   }
   return 0;
 }
