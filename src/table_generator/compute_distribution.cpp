@@ -30,11 +30,6 @@ void copy_to_bounds(double *result, uint64_t n) {
   for (uint64_t i = 0; i < n; ++i) result[n + i] = result[2 * n + i] = result[i];
 }
 
-int place_state(double *result, uint64_t n, uint64_t state) {
-  for (uint64_t i = 0; i < n; ++i) result[i] = i == state ? 1.0 : 0.0;
-  copy_to_bounds(result, n);
-  return 0;
-}
 
 // The fault's code, or vel_error_io when its message could not be written.
 int logged(int written, int code) { return vel::fail(written < 0 ? vel_error_io : code); }
@@ -47,6 +42,14 @@ int fail_unsupported_truncation(const vel_node_t *node, uint32_t op) {
   return logged(fprintf(log, "Truncation is not supported for the %s distribution\n",
                         operator_names[op - vel_op_Normal]),
                 vel_error_invalid_expression);
+}
+
+}  // namespace
+
+int place_state(double *result, uint64_t n, uint64_t state) {
+  for (uint64_t i = 0; i < n; ++i) result[i] = i == state ? 1.0 : 0.0;
+  copy_to_bounds(result, n);
+  return 0;
 }
 
 int place_label(vel_node_t *node, double *result, uint64_t n, const char *label) {
@@ -73,11 +76,13 @@ int place_value(vel_node_t *node, double *result, uint64_t n, double value) {
   return logged(fprintf(log, format, name, value), vel_error_invalid_expression);
 }
 
-int explicit_distribution(const vel_expression_t *distribution, vel_node_t *node,
+namespace {
+
+int explicit_distribution(const builder_arguments_t &distribution, vel_node_t *node,
                           double *result, uint64_t n, int truncated) {
   if (truncated) return fail_unsupported_truncation(node, vel_op_Distribution);
   FILE *log = log_of(node);
-  if (_vel_expr_list_length(distribution->arguments) != n) {
+  if (_vel_expr_list_length(distribution.distribution->arguments) != n) {
     if (log == nullptr) return vel::fail(vel_error_invalid_expression);
     return logged(fputs("The number of arguments of a Distribution expression must match the "
                         "number of states\n", log),
@@ -85,7 +90,7 @@ int explicit_distribution(const vel_expression_t *distribution, vel_node_t *node
   }
   double sum = 0.0;
   for (uint64_t i = 0; i < n; ++i) {
-    if (eval_numeric_expr(distribution->arguments[i], &result[i]) != 0) return _vel_error_code;
+    if (argument_number(distribution, i, &result[i]) != 0) return _vel_error_code;
     if (result[i] < 0.0) {
       if (log == nullptr) return vel::fail(vel_error_invalid_argument);
       return logged(fprintf(log, "Negative value in Distribution expression (state %s)\n",
@@ -106,7 +111,7 @@ int explicit_distribution(const vel_expression_t *distribution, vel_node_t *node
 }
 
 // q_i is the probability that a present cause fails to produce the effect.
-int noisy_or(const vel_expression_t *distribution, vel_node_t *node, double *result,
+int noisy_or(const builder_arguments_t &distribution, vel_node_t *node, double *result,
              uint64_t n, int truncated) {
   if (truncated) return fail_unsupported_truncation(node, vel_op_NoisyOR);
   if (node->subtype != vel_subtype_boolean) {
@@ -116,11 +121,11 @@ int noisy_or(const vel_expression_t *distribution, vel_node_t *node, double *res
                   vel_error_invalid_expression);
   }
   double p = 1.0;
-  for (vel_expression_t **pair = distribution->arguments; pair[0] != nullptr; pair += 2) {
-    int condition = eval_boolean_expr(pair[0]);
+  for (size_t i = 0; distribution.distribution->arguments[i] != nullptr; i += 2) {
+    const int condition = argument_truth(distribution, i);
     if (condition < 0) return _vel_error_code;
     double q;
-    if (eval_numeric_expr(pair[1], &q) != 0) return _vel_error_code;
+    if (argument_number(distribution, i + 1, &q) != 0) return _vel_error_code;
     if (q < 0.0 || q > 1.0) return vel::fail(vel_error_invalid_argument);
     if (condition) p *= q;
   }
@@ -191,10 +196,12 @@ int aggregate(const vel_expression_t *distribution, vel_node_t *node, double *re
   return 0;
 }
 
-int dispatch(const vel_expression_t *distribution, vel_node_t *node, double *result,
-             uint64_t n, double lower, double upper) {
+}  // namespace
+
+int distribution_row(const builder_arguments_t &distribution, vel_node_t *node, double *result,
+                     uint64_t n, double lower, double upper) {
   int truncated = lower > -DBL_MAX || upper < DBL_MAX;
-  uint32_t op = distribution->operator_;
+  uint32_t op = distribution.distribution->operator_;
   if (op == vel_op_Uniform && node->subtype != vel_subtype_interval) {
     if (node->subtype == vel_subtype_numbered) return uniform_over_states(node, result, n, truncated);
     return vel::fail(vel_error_invalid_expression);
@@ -208,10 +215,12 @@ int dispatch(const vel_expression_t *distribution, vel_node_t *node, double *res
   switch (op) {
     case vel_op_Distribution: return explicit_distribution(distribution, node, result, n, truncated);
     case vel_op_NoisyOR: return noisy_or(distribution, node, result, n, truncated);
-    case vel_op_aggregate: return aggregate(distribution, node, result, n, truncated);
+    case vel_op_aggregate: return aggregate(distribution.distribution, node, result, n, truncated);
     default: return vel::fail(vel_error_unsupported);
   }
 }
+
+namespace {
 
 // Evaluates the expression for the node itself and turns the outcome into a row.
 int distribution_of_node(const vel_expression_t *expression, vel_node_t *node, double *result,
@@ -251,7 +260,8 @@ int distribution_of_node(const vel_expression_t *expression, vel_node_t *node, d
     default:
       return vel::fail(vel_error_unsupported);
   }
-  return dispatch(distribution, node, result, n, lower, upper);
+  return distribution_row(builder_arguments_t{distribution, nullptr, nullptr}, node, result, n, lower,
+                          upper);
 }
 
 // Mean over `samples` midpoints of the parent's bounded interval, with the

@@ -122,7 +122,7 @@ int discretise(Mass mass, const continuous_law_t &law, vel_node_t *node, double 
 
 }  // namespace
 
-int continuous_distribution(const vel_expression_t *distribution, vel_node_t *node, double *result,
+int continuous_distribution(const builder_arguments_t &distribution, vel_node_t *node, double *result,
                             uint64_t n, double lower, double upper, int truncated) {
   continuous_law_t law;
   if (int code = read_continuous_law(distribution, node, &law)) return code;

@@ -6,6 +6,7 @@
 #include <cstdint>
 
 #include "host/records.h"
+#include "table_generator/builder_arguments.h"
 
 struct continuous_law_t {
   uint32_t op;        // operator code, Normal (60) ... PERT (68)
@@ -17,7 +18,7 @@ struct continuous_law_t {
 
 // Evaluates the distribution's parameters in argument order and checks them
 // (messages to the node's log; error 37 for a parameter out of its domain).
-int read_continuous_law(const vel_expression_t *distribution, const vel_node_t *node,
+int read_continuous_law(const builder_arguments_t &distribution, const vel_node_t *node,
                         continuous_law_t *law);
 
 // The larger of a and b (a on equality) and the smaller (b on equality).

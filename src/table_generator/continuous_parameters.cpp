@@ -10,32 +10,32 @@
 namespace {
 
 // Evaluates argument i, or gives `fallback` when the call left it out.
-int optional_argument(const vel_expression_t *distribution, int i, double fallback, double *value) {
-  if (distribution->arguments[i] == nullptr) {
+int optional_argument(const builder_arguments_t &d, int i, double fallback, double *value) {
+  if (!has_argument(d, static_cast<size_t>(i))) {
     *value = fallback;
     return 0;
   }
-  return eval_numeric_expr(distribution->arguments[i], value);
+  return argument_number(d, static_cast<size_t>(i), value);
 }
 
 // Evaluates arguments first .. first + count - 1 into values.
-int arguments(const vel_expression_t *distribution, int first, int count, double *values) {
+int arguments(const builder_arguments_t &d, int first, int count, double *values) {
   for (int i = 0; i < count; ++i) {
-    if (int code = eval_numeric_expr(distribution->arguments[first + i], &values[i])) return code;
+    if (int code = argument_number(d, static_cast<size_t>(first + i), &values[i])) return code;
   }
   return 0;
 }
 
 // The families with support [c, +inf): two checked parameters (one for
 // Exponential), then the location c, 0 when left out.
-int located(const vel_expression_t *distribution, continuous_law_t *law, int count) {
+int located(const builder_arguments_t &distribution, continuous_law_t *law, int count) {
   law->support_hi = DBL_MAX;
   if (int code = optional_argument(distribution, count, 0.0, &law->location)) return code;
   law->support_lo = law->location;
   return 0;
 }
 
-int read_normal(const vel_expression_t *d, const vel_node_t *node, continuous_law_t *law) {
+int read_normal(const builder_arguments_t &d, const vel_node_t *node, continuous_law_t *law) {
   if (int code = arguments(d, 0, 2, law->p)) return code;
   if (!(law->p[1] > 0)) {
     return report_fault(node, vel_error_invalid_argument,
@@ -47,7 +47,7 @@ int read_normal(const vel_expression_t *d, const vel_node_t *node, continuous_la
   return 0;
 }
 
-int read_log_normal(const vel_expression_t *d, const vel_node_t *node, continuous_law_t *law) {
+int read_log_normal(const builder_arguments_t &d, const vel_node_t *node, continuous_law_t *law) {
   if (int code = arguments(d, 0, 2, law->p)) return code;
   if (!(law->p[1] > 0)) {
     return report_fault(node, vel_error_invalid_argument,
@@ -58,7 +58,7 @@ int read_log_normal(const vel_expression_t *d, const vel_node_t *node, continuou
   return located(d, law, 2);
 }
 
-int read_beta(const vel_expression_t *d, const vel_node_t *node, continuous_law_t *law) {
+int read_beta(const builder_arguments_t &d, const vel_node_t *node, continuous_law_t *law) {
   if (int code = arguments(d, 0, 2, law->p)) return code;
   if (!(law->p[0] > 0 && law->p[1] > 0)) {
     return report_fault(
@@ -68,7 +68,7 @@ int read_beta(const vel_expression_t *d, const vel_node_t *node, continuous_law_
   }
   law->p[2] = 0.0;
   law->p[3] = 1.0;
-  if (d->arguments[2] != nullptr) {
+  if (has_argument(d, 2)) {
     if (int code = arguments(d, 2, 2, law->p + 2)) return code;
     if (!(law->p[2] < law->p[3])) {
       return report_fault(
@@ -82,7 +82,7 @@ int read_beta(const vel_expression_t *d, const vel_node_t *node, continuous_law_
   return 0;
 }
 
-int read_gamma(const vel_expression_t *d, const vel_node_t *node, continuous_law_t *law) {
+int read_gamma(const builder_arguments_t &d, const vel_node_t *node, continuous_law_t *law) {
   if (int code = arguments(d, 0, 2, law->p)) return code;
   if (!(law->p[0] > 0 && law->p[1] > 0)) {
     return report_fault(
@@ -94,7 +94,7 @@ int read_gamma(const vel_expression_t *d, const vel_node_t *node, continuous_law
 }
 
 // The scale is the mean: the Exponential interval function divides by it.
-int read_exponential(const vel_expression_t *d, const vel_node_t *node, continuous_law_t *law) {
+int read_exponential(const builder_arguments_t &d, const vel_node_t *node, continuous_law_t *law) {
   if (int code = arguments(d, 0, 1, law->p)) return code;
   if (!(law->p[0] > 0)) {
     return report_fault(node, vel_error_invalid_argument,
@@ -104,7 +104,7 @@ int read_exponential(const vel_expression_t *d, const vel_node_t *node, continuo
   return located(d, law, 1);
 }
 
-int read_weibull(const vel_expression_t *d, const vel_node_t *node, continuous_law_t *law) {
+int read_weibull(const builder_arguments_t &d, const vel_node_t *node, continuous_law_t *law) {
   if (int code = arguments(d, 0, 2, law->p)) return code;
   if (!(law->p[0] > 0 && law->p[1] > 0)) {
     return report_fault(
@@ -115,7 +115,7 @@ int read_weibull(const vel_expression_t *d, const vel_node_t *node, continuous_l
   return located(d, law, 2);
 }
 
-int read_uniform(const vel_expression_t *d, const vel_node_t *node, continuous_law_t *law) {
+int read_uniform(const builder_arguments_t &d, const vel_node_t *node, continuous_law_t *law) {
   if (int code = arguments(d, 0, 2, law->p)) return code;
   if (!(law->p[0] < law->p[1])) {
     return report_fault(
@@ -128,7 +128,7 @@ int read_uniform(const vel_expression_t *d, const vel_node_t *node, continuous_l
   return 0;
 }
 
-int read_triangular(const vel_expression_t *d, const vel_node_t *node, continuous_law_t *law) {
+int read_triangular(const builder_arguments_t &d, const vel_node_t *node, continuous_law_t *law) {
   if (int code = arguments(d, 0, 3, law->p)) return code;
   const double a = law->p[0], m = law->p[1], b = law->p[2];
   if (!(a <= m && m <= b && a < b)) {
@@ -144,7 +144,7 @@ int read_triangular(const vel_expression_t *d, const vel_node_t *node, continuou
 
 // PERT(a, m, b, lambda) is the beta distribution on [a, b] whose shapes put
 // its mode at m.
-int read_pert(const vel_expression_t *d, const vel_node_t *node, continuous_law_t *law) {
+int read_pert(const builder_arguments_t &d, const vel_node_t *node, continuous_law_t *law) {
   double v[3];
   if (int code = arguments(d, 0, 3, v)) return code;
   const double a = v[0], m = v[1], b = v[2];
@@ -171,10 +171,10 @@ int read_pert(const vel_expression_t *d, const vel_node_t *node, continuous_law_
 
 }  // namespace
 
-int read_continuous_law(const vel_expression_t *distribution, const vel_node_t *node,
+int read_continuous_law(const builder_arguments_t &distribution, const vel_node_t *node,
                         continuous_law_t *law) {
   *law = continuous_law_t{};
-  law->op = distribution->operator_;
+  law->op = distribution.distribution->operator_;
   switch (law->op) {
     case vel_op_Normal:
       return read_normal(distribution, node, law);

@@ -7,6 +7,7 @@
 #include "special/interval_ends.h"
 #include "special/special.h"
 #include "table_generator/binomial.h"
+#include "table_generator/builder_arguments.h"
 #include "table_generator/distribution_log.h"
 #include "table_generator/table_generator.h"
 
@@ -21,11 +22,11 @@ struct discrete_law_t {
   double q;
 };
 
-int read_discrete_law(const vel_expression_t *distribution, discrete_law_t *law) {
-  law->op = distribution->operator_;
+int read_discrete_law(const builder_arguments_t &distribution, discrete_law_t *law) {
+  law->op = distribution.distribution->operator_;
   double v[2] = {0.0, 0.0};
-  for (int i = 0; i < 2 && distribution->arguments[i] != nullptr; ++i) {
-    if (int code = eval_numeric_expr(distribution->arguments[i], &v[i])) return code;
+  for (size_t i = 0; i < 2 && has_argument(distribution, i); ++i) {
+    if (int code = argument_number(distribution, i, &v[i])) return code;
   }
   bool valid = false;
   switch (law->op) {
@@ -153,9 +154,9 @@ int on_interval(const discrete_law_t *law, const vel_node_t *node, double *resul
 
 }  // namespace
 
-int discrete_distribution(const vel_expression_t *distribution, vel_node_t *node, double *result,
+int discrete_distribution(const builder_arguments_t &distribution, vel_node_t *node, double *result,
                           uint64_t n, int truncated) {
-  const char *name_of_op = operator_names[distribution->operator_ - vel_op_Normal];
+  const char *name_of_op = operator_names[distribution.distribution->operator_ - vel_op_Normal];
   if (truncated) {
     return report_fault(node, vel_error_invalid_expression,
                         "Truncation is not supported for the %s distribution\n", name_of_op);

@@ -6,6 +6,7 @@
 #include <cstdint>
 
 #include "host/records.h"
+#include "table_generator/builder_arguments.h"
 
 extern "C" {
 
@@ -51,12 +52,22 @@ int eval_distribution_or_boolean_expr(const vel_expression_t *expression, int *v
 int compute_distribution(const vel_expression_t *expression, vel_node_t **nodes,
                          double *result, uint64_t n, uint64_t samples);
 // The Normal ... PERT branch (codes 60..68; Uniform only on interval nodes).
-int continuous_distribution(const vel_expression_t *distribution, vel_node_t *node,
+int continuous_distribution(const builder_arguments_t &distribution, vel_node_t *node,
                             double *result, uint64_t n, double lower, double upper,
                             int truncated);
 // The Binomial, Poisson, NegativeBinomial, Geometric branch (codes 69..72).
-int discrete_distribution(const vel_expression_t *distribution, vel_node_t *node,
+int discrete_distribution(const builder_arguments_t &distribution, vel_node_t *node,
                           double *result, uint64_t n, int truncated);
+// The row of a distribution builder (the dispatch on its operator), the
+// truncation bounds already applied.
+int distribution_row(const builder_arguments_t &distribution, vel_node_t *node, double *result,
+                     uint64_t n, double lower, double upper);
+// Probability one on a state: the one holding the value (labeled nodes: the
+// label; boolean nodes: state 0 false, 1 true).  34 with its message when no
+// state holds it.
+int place_label(vel_node_t *node, double *result, uint64_t n, const char *label);
+int place_value(vel_node_t *node, double *result, uint64_t n, double value);
+int place_state(double *result, uint64_t n, uint64_t state);
 int check_state_range(double lower, double upper, vel_node_t *node, uint64_t n,
                       uint32_t op, int truncated);
 

@@ -20,7 +20,8 @@ class ContinuousTest : public gentest::GenerationTest {
     const uint64_t n = node->state_count;
     std::vector<double> block(3 * n, -7.0);
     const int truncated = lower > -DBL_MAX || upper < DBL_MAX;
-    *code = continuous_distribution(e, node, block.data(), n, lower, upper, truncated);
+    *code = continuous_distribution(builder_arguments_t{e, nullptr, nullptr}, node, block.data(), n,
+                                    lower, upper, truncated);
     *left = vel_error_code();
     vel_expression_delete(e);
     return block;
