@@ -6,6 +6,7 @@
 #include "common/error.h"
 #include "host/host.h"
 #include "host/storage_internal.h"
+#include "table_generator/generation_workspace.h"
 
 namespace {
 
@@ -30,8 +31,8 @@ vel_control_t *_vel_create_control_data_for_tg(const vel_table_t *table,
     vel::fail(vel_error_usage);
     return nullptr;
   }
-  uint64_t bytes = 0;
-  if (__builtin_mul_overflow(table->node_count, sizeof(vel_control_t), &bytes)) bytes = SIZE_MAX;
+  // The records, then the generation's other working data, in one block.
+  const uint64_t bytes = _vel_generation_block_bytes(table, model);
   auto *control = static_cast<vel_control_t *>(_vel_allocate(bytes));
   if (!control) return nullptr;
   for (uint64_t i = 0; i < table->node_count; ++i) {

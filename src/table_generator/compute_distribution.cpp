@@ -6,6 +6,7 @@
 
 #include "common/error.h"
 #include "host/host.h"
+#include "table_generator/sampler.h"
 #include "table_generator/table_generator.h"
 
 int unbounded_interval_point(double lo, double hi, double *point) {
@@ -264,52 +265,13 @@ int distribution_of_node(const vel_expression_t *expression, vel_node_t *node, d
                           upper);
 }
 
-// Mean over `samples` midpoints of the parent's bounded interval, with the
-// entry-wise minimum and maximum; each later sample uses the next three rows.
-int sample_interval_parent(const vel_expression_t *expression, vel_node_t **nodes,
-                           double *result, uint64_t n, uint64_t samples, double lo, double hi) {
-  vel_node_t *parent = nodes[0];
-  double width = (hi - lo) / static_cast<double>(samples);
-  parent->value = lo + 0.5 * width;
-  if (int code = compute_distribution(expression, nodes + 1, result, n, samples)) return code;
-  if (width == 0.0) return 0;
-  double *mean = result, *low = result + n, *high = result + 2 * n;
-  double *scratch = result + 3 * n;
-  for (uint64_t k = 1; k < samples; ++k) {
-    parent->value = lo + (static_cast<double>(k) + 0.5) * width;
-    if (int code = compute_distribution(expression, nodes + 1, scratch, n, samples)) return code;
-    for (uint64_t j = 0; j < n; ++j) {
-      mean[j] += scratch[j];
-      if (scratch[n + j] < low[j]) low[j] = scratch[n + j];
-      if (high[j] < scratch[2 * n + j]) high[j] = scratch[2 * n + j];
-    }
-  }
-  for (uint64_t j = 0; j < n; ++j) mean[j] /= static_cast<double>(samples);
-  return 0;
-}
-
 }  // namespace
 
 int compute_distribution(const vel_expression_t *expression, vel_node_t **nodes,
                          double *result, uint64_t n, uint64_t samples) {
-  vel_node_t *parent = nodes[0];
-  if (nodes[1] == nullptr) return distribution_of_node(expression, parent, result, n);
-  switch (parent->subtype) {
-    case vel_subtype_numbered:
-      parent->value = parent->state_values[parent->state_index];
-      break;
-    case vel_subtype_interval: {
-      double lo = parent->state_values[parent->state_index];
-      double hi = parent->state_values[parent->state_index + 1];
-      double point;
-      if (!unbounded_interval_point(lo, hi, &point)) {
-        return sample_interval_parent(expression, nodes, result, n, samples, lo, hi);
-      }
-      parent->value = point;
-      break;
-    }
-    default:
-      break;
-  }
-  return compute_distribution(expression, nodes + 1, result, n, samples);
+  auto at_leaf = [](vel_node_t **position) { return position[1] == nullptr; };
+  auto leaf = [&](vel_node_t **position, double *row) {
+    return distribution_of_node(expression, position[0], row, n);
+  };
+  return sample_parents(nodes, result, n, samples, at_leaf, leaf);
 }

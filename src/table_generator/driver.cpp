@@ -7,6 +7,7 @@
 
 #include "common/error.h"
 #include "host/host.h"
+#include "table_generator/generation_workspace.h"
 #include "table_generator/table_generator.h"
 
 const char *const unspecified_model_format = "Model for %s is unspecified\n";
@@ -121,10 +122,11 @@ int fill_table(vel_node_t *node, vel_table_t *table, vel_model_t *model) {
       free(control);
       return _vel_error_code;
     }
-    result = generate_probability(table, work, &data, model->expressions, table->nodes, control);
+    result = generate_probability(table, work, &data, model->expressions, control);
     free(work);
   } else {
-    result = generate_utility(table, &data, model->expressions, table->nodes, control);
+    result = generate_utility(table, &data, model->expressions, control,
+                              workspace_of(control, table).blocks);
   }
   free(control);
   return result;

@@ -4,6 +4,7 @@
 
 #include "common/error.h"
 #include "host/host.h"
+#include "table_generator/configuration_walk.h"
 #include "table_generator/table_generator.h"
 
 namespace {
@@ -43,27 +44,16 @@ int write_row(vel_table_t *table, const double *work, float **data, uint64_t n) 
 }  // namespace
 
 int generate_probability(vel_table_t *table, double *work, float **data,
-                         vel_expression_t **expressions, vel_node_t **nodes,
-                         const vel_control_t *control) {
-  vel_node_t *node = nodes[0];
-  if (nodes[1] == nullptr) {
-    uint64_t n = control->state_count;
-    uint64_t samples = table->node->model->samples_per_interval;
-    const int code = compute_distribution(*expressions, table->nodes, work, n, samples) != 0
+                         vel_expression_t **expressions, const vel_control_t *control) {
+  const uint64_t parents = table->node_count - 1;
+  const uint64_t n = control[parents].state_count;
+  const uint64_t samples = table->node->model->samples_per_interval;
+  return walk_configurations(table->nodes, control, parents, expressions,
+                             [&](vel_expression_t **cursor, uint64_t) {
+    const int code = compute_distribution(*cursor, table->nodes, work, n, samples) != 0
                          ? _vel_error_code
                          : write_row(table, work, data, n);
-    if (code != 0) vel::set_failed_expression(expressions - table->node->model->expressions);
+    if (code != 0) vel::set_failed_expression(cursor - expressions);
     return code;
-  }
-  for (uint64_t s = 0; s < control->state_count; ++s) {
-    node->state_index = static_cast<int64_t>(s);
-    if (generate_probability(table, work, data, expressions, nodes + 1, control + 1) != 0) {
-      node->state_index = -1;
-      return _vel_error_code;
-    }
-    // The cursor stays inside the expression array: no move after the last state.
-    if (s + 1 < control->state_count) expressions += control->stride;
-  }
-  node->state_index = -1;
-  return 0;
+  });
 }

@@ -4,6 +4,8 @@
 
 #include "common/error.h"
 #include "host/host.h"
+#include "table_generator/configuration_walk.h"
+#include "table_generator/sampler.h"
 #include "table_generator/table_generator.h"
 
 namespace {
@@ -47,81 +49,30 @@ int write_entry(vel_table_t *table, float **data, double value, double low, doub
   return 0;
 }
 
-// Evaluates into value/min/max for the sample point that `point` gives the
-// interval node, after setting it.
-int evaluate_at(vel_node_t *node, double point, const vel_expression_t *expression,
-                vel_node_t **rest, double *value, double *min, double *max, uint64_t samples) {
-  node->value = point;
-  return compute_value(expression, rest, value, min, max, samples);
-}
-
 }  // namespace
 
-int compute_value(const vel_expression_t *expression, vel_node_t **nodes, double *value,
-                  double *min, double *max, uint64_t samples) {
-  vel_node_t *node = nodes[0];
-  if (node == nullptr) {
+int compute_value(const vel_expression_t *expression, vel_node_t **nodes, double *block,
+                  uint64_t samples) {
+  auto at_leaf = [](vel_node_t **position) { return position[0] == nullptr; };
+  auto leaf = [&](vel_node_t **, double *row) {
     _vel_error_code = 0;
-    if (eval_numeric_expr(expression, value) != 0) return _vel_error_code;
-    *max = *value;
-    *min = *max;
+    if (eval_numeric_expr(expression, &row[0]) != 0) return _vel_error_code;
+    row[2] = row[0];
+    row[1] = row[2];
     return 0;
-  }
-  if (node->subtype == vel_subtype_numbered) {
-    node->value = node->state_values[node->state_index];
-    return compute_value(expression, nodes + 1, value, min, max, samples);
-  }
-  if (node->subtype != vel_subtype_interval) {
-    return compute_value(expression, nodes + 1, value, min, max, samples);
-  }
-
-  double lo = node->state_values[node->state_index];
-  double hi = node->state_values[node->state_index + 1];
-  double point;
-  if (unbounded_interval_point(lo, hi, &point)) {
-    return evaluate_at(node, point, expression, nodes + 1, value, min, max, samples);
-  }
-  double width = (hi - lo) / static_cast<double>(samples);
-  if (int code = evaluate_at(node, lo + 0.5 * width, expression, nodes + 1, value, min, max,
-                             samples)) {
-    return code;
-  }
-  if (width == 0.0) return 0;
-  double sum = *value;
-  for (uint64_t k = 1; k < samples; ++k) {
-    double v, low, high;
-    double at = lo + (static_cast<double>(k) + 0.5) * width;
-    if (int code = evaluate_at(node, at, expression, nodes + 1, &v, &low, &high, samples)) {
-      return code;
-    }
-    sum += v;
-    if (low < *min) *min = low;
-    if (high > *max) *max = high;
-  }
-  *value = sum / static_cast<double>(samples);
-  return 0;
+  };
+  return sample_parents(nodes, block, 1, samples, at_leaf, leaf);
 }
 
 int generate_utility(vel_table_t *table, float **data, vel_expression_t **expressions,
-                     vel_node_t **nodes, const vel_control_t *control) {
-  vel_node_t *node = nodes[0];
-  if (node == nullptr) {
-    double value, low, high;
-    uint64_t samples = table->node->model->samples_per_interval;
-    const int code = compute_value(*expressions, table->nodes, &value, &low, &high, samples) != 0
+                     const vel_control_t *control, double *block) {
+  const uint64_t samples = table->node->model->samples_per_interval;
+  return walk_configurations(table->nodes, control, table->node_count, expressions,
+                             [&](vel_expression_t **cursor, uint64_t) {
+    const int code = compute_value(*cursor, table->nodes, block, samples) != 0
                          ? report_failed_evaluation(table)
-                         : write_entry(table, data, value, low, high);
-    if (code != 0) vel::set_failed_expression(expressions - table->node->model->expressions);
+                         : write_entry(table, data, block[0], block[1], block[2]);
+    if (code != 0) vel::set_failed_expression(cursor - expressions);
     return code;
-  }
-  for (uint64_t s = 0; s < control->state_count; ++s) {
-    node->state_index = static_cast<int64_t>(s);
-    if (generate_utility(table, data, expressions, nodes + 1, control + 1) != 0) {
-      node->state_index = -1;
-      return _vel_error_code;
-    }
-    if (s + 1 < control->state_count) expressions += control->stride;
-  }
-  node->state_index = -1;
-  return 0;
+  });
 }

@@ -78,12 +78,12 @@ extern const char *const missing_expression_format;
 extern const char *const invalid_expression_format;
 size_t size_multiply(size_t a, size_t b);
 int generate_probability(vel_table_t *table, double *work, float **data,
-                         vel_expression_t **expressions, vel_node_t **nodes,
-                         const vel_control_t *control);
+                         vel_expression_t **expressions, const vel_control_t *control);
+// `block`: three doubles (value, minimum, maximum) per table node and one more.
 int generate_utility(vel_table_t *table, float **data, vel_expression_t **expressions,
-                     vel_node_t **nodes, const vel_control_t *control);
-int compute_value(const vel_expression_t *expression, vel_node_t **nodes, double *value,
-                  double *min, double *max, uint64_t samples);
+                     const vel_control_t *control, double *block);
+int compute_value(const vel_expression_t *expression, vel_node_t **nodes, double *block,
+                  uint64_t samples);
 
 // Checks shared by generation and vel_node_check_model (state_value_checks.cpp,
 // check_model.cpp).  The host's verdict on the node's state values; 0 for
