@@ -31,6 +31,7 @@ struct vel_domain_s {
   vel_junction_tree_t *junction_tree;  // the domain's single junction tree
   vel_host_domain_data *host;          // owner of C++ containers (never read by the module)
   char print_buffer[24];               // text of _vel_print_size, valid until its next call
+  int32_t scalar_generation;           // nonzero: tables are generated on the scalar path alone
 };
 
 struct vel_collection_s {

@@ -122,11 +122,13 @@ int fill_table(vel_node_t *node, vel_table_t *table, vel_model_t *model) {
       free(control);
       return _vel_error_code;
     }
-    result = generate_probability(table, work, &data, model->expressions, control);
+    result = generate_probability(table, work, &data, model->expressions, control,
+                                  workspace_of(control, table, model).batch);
     free(work);
   } else {
-    result = generate_utility(table, &data, model->expressions, control,
-                              workspace_of(control, table).blocks);
+    const generation_workspace_t workspace = workspace_of(control, table, model);
+    result = generate_utility(table, &data, model->expressions, control, workspace.blocks,
+                              workspace.batch);
   }
   free(control);
   return result;

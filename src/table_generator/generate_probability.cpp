@@ -4,6 +4,7 @@
 
 #include "common/error.h"
 #include "host/host.h"
+#include "table_generator/batch_plan.h"
 #include "table_generator/configuration_walk.h"
 #include "table_generator/table_generator.h"
 
@@ -41,16 +42,25 @@ int write_row(vel_table_t *table, const double *work, float **data, uint64_t n) 
   return 0;
 }
 
+
+// A row by batch evaluation when it can be had so, else on the scalar path.
+int compute_row(batch_plan_t *batch, const vel_expression_t *expression, uint64_t changed,
+                vel_node_t **nodes, double *work, uint64_t n, uint64_t samples) {
+  if (batch && batch_row(batch, expression, changed, work, work) == 0) return 0;
+  return compute_distribution(expression, nodes, work, n, samples);
+}
+
 }  // namespace
 
 int generate_probability(vel_table_t *table, double *work, float **data,
-                         vel_expression_t **expressions, const vel_control_t *control) {
+                         vel_expression_t **expressions, const vel_control_t *control,
+                         batch_plan_t *batch) {
   const uint64_t parents = table->node_count - 1;
   const uint64_t n = control[parents].state_count;
   const uint64_t samples = table->node->model->samples_per_interval;
   return walk_configurations(table->nodes, control, parents, expressions,
-                             [&](vel_expression_t **cursor, uint64_t) {
-    const int code = compute_distribution(*cursor, table->nodes, work, n, samples) != 0
+                             [&](vel_expression_t **cursor, uint64_t changed) {
+    const int code = compute_row(batch, *cursor, changed, table->nodes, work, n, samples) != 0
                          ? _vel_error_code
                          : write_row(table, work, data, n);
     if (code != 0) vel::set_failed_expression(cursor - expressions);

@@ -4,6 +4,7 @@
 
 #include "common/error.h"
 #include "host/host.h"
+#include "table_generator/batch_plan.h"
 #include "table_generator/configuration_walk.h"
 #include "table_generator/sampler.h"
 #include "table_generator/table_generator.h"
@@ -65,11 +66,16 @@ int compute_value(const vel_expression_t *expression, vel_node_t **nodes, double
 }
 
 int generate_utility(vel_table_t *table, float **data, vel_expression_t **expressions,
-                     const vel_control_t *control, double *block) {
+                     const vel_control_t *control, double *block, batch_plan_t *batch) {
   const uint64_t samples = table->node->model->samples_per_interval;
+  // An entry by batch evaluation when it can be had so, else on the scalar path.
+  auto compute_entry = [&](const vel_expression_t *expression, uint64_t changed) {
+    if (batch && batch_row(batch, expression, changed, block, block) == 0) return 0;
+    return compute_value(expression, table->nodes, block, samples);
+  };
   return walk_configurations(table->nodes, control, table->node_count, expressions,
-                             [&](vel_expression_t **cursor, uint64_t) {
-    const int code = compute_value(*cursor, table->nodes, block, samples) != 0
+                             [&](vel_expression_t **cursor, uint64_t changed) {
+    const int code = compute_entry(*cursor, changed) != 0
                          ? report_failed_evaluation(table)
                          : write_entry(table, data, block[0], block[1], block[2]);
     if (code != 0) vel::set_failed_expression(cursor - expressions);

@@ -13,8 +13,12 @@ extern "C" {
 uint64_t _vel_generation_block_bytes(const vel_table_t *table, const vel_model_t *model);
 }
 
+struct batch_plan_t;
+
 struct generation_workspace_t {
-  double *blocks;  // utility rows: three doubles per table node and one more
+  double *blocks;       // utility rows: three doubles per table node and one more
+  batch_plan_t *batch;  // NULL: every row is computed on the scalar path
 };
 
-generation_workspace_t workspace_of(vel_control_t *control, const vel_table_t *table);
+// Lays the workspace out after the control records (once per generation).
+generation_workspace_t workspace_of(vel_control_t *control, vel_table_t *table, const vel_model_t *model);

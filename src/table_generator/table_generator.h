@@ -77,11 +77,14 @@ extern const char *const unspecified_model_format;
 extern const char *const missing_expression_format;
 extern const char *const invalid_expression_format;
 size_t size_multiply(size_t a, size_t b);
+// `batch`: the batch evaluation of the rows, or NULL for the scalar path alone.
+struct batch_plan_t;
 int generate_probability(vel_table_t *table, double *work, float **data,
-                         vel_expression_t **expressions, const vel_control_t *control);
+                         vel_expression_t **expressions, const vel_control_t *control,
+                         batch_plan_t *batch);
 // `block`: three doubles (value, minimum, maximum) per table node and one more.
 int generate_utility(vel_table_t *table, float **data, vel_expression_t **expressions,
-                     const vel_control_t *control, double *block);
+                     const vel_control_t *control, double *block, batch_plan_t *batch);
 int compute_value(const vel_expression_t *expression, vel_node_t **nodes, double *block,
                   uint64_t samples);
 

@@ -1,0 +1,294 @@
+// One row by batch evaluation: the program of the row's expression (compiled
+// when first met), its values for the configuration and every sample point,
+// the row of each lane, and their means in the order of the scalar sampler.
+#include <cfloat>
+#include <cstring>
+
+#include "common/error.h"
+#include "table_generator/batch_plan.h"
+#include "table_generator/sampler.h"
+#include "table_generator/table_generator.h"
+
+namespace {
+
+// The row must be computed on the scalar path.
+constexpr int unusual = -1;
+
+batch_program_t *program_for(batch_plan_t *plan, const vel_expression_t *expression) {
+  for (uint32_t s = 0; s < plan->slot_count; ++s)
+    if (plan->slots[s].expression == expression) return &plan->slots[s];
+  batch_program_t *program = &plan->slots[plan->next_slot];
+  plan->next_slot = (plan->next_slot + 1) % plan->slot_count;
+  compile_program(plan, program, expression);
+  return program;
+}
+
+// Values of the configuration: a kept one stays while the table positions it
+// reads keep their states.
+void evaluate_configuration(batch_plan_t *plan, batch_program_t *program) {
+  for (uint32_t i = 0; i < program->count; ++i) {
+    const batch_instruction_t &in = program->code[i];
+    if (in.kind != op_row) continue;
+    const uint64_t serial = program->row_serial[i];
+    const bool kept = serial != 0 && (in.depth < 0 || serial >= plan->changed_at[in.depth]);
+    if (!kept) {
+      double value = 0.0;
+      bool failed;
+      if (in.boolean) {
+        const int truth = eval_boolean_expr(in.expression);
+        failed = truth < 0;
+        value = truth > 0 ? 1.0 : 0.0;
+      } else {
+        failed = eval_numeric_expr(in.expression, &value) != 0;
+      }
+      program->row_value[i] = value;
+      program->row_failed[i] = failed;
+      program->row_serial[i] = plan->serial;
+    }
+    plan->registers[i * plan->lane_capacity] = program->row_value[i];
+    plan->failed[i * plan->lane_capacity] = program->row_failed[i];
+    plan->any_failed[i] = program->row_failed[i];
+  }
+}
+
+// The sample points of each interval parent in its current state.
+void prepare_levels(batch_plan_t *plan) {
+  plan->level_lanes[plan->outer] = 1;
+  for (uint32_t j = 1; j <= plan->levels; ++j) {
+    const vel_node_t *parent = plan->level_node[j];
+    const double lo = parent->state_values[parent->state_index];
+    const double hi = parent->state_values[parent->state_index + 1];
+    double point;
+    if (unbounded_interval_point(lo, hi, &point)) {
+      plan->level_sampling[j] = sampling_unbounded;
+      plan->level_point[j] = point;
+      plan->level_count[j] = 1;
+    } else {
+      const double width = (hi - lo) / static_cast<double>(plan->samples);
+      plan->level_lo[j] = lo;
+      plan->level_width[j] = width;
+      plan->level_sampling[j] = width == 0.0 ? sampling_single : sampling_averaged;
+      plan->level_count[j] = width == 0.0 ? 1 : plan->samples;
+    }
+    plan->level_index[j] = 0;
+    if (j > plan->outer) plan->level_lanes[j] = plan->level_lanes[j - 1] * plan->level_count[j];
+  }
+}
+
+double value_at(const batch_plan_t *plan, const batch_program_t *program, int32_t i, uint64_t lane,
+                bool *failed) {
+  const uint32_t level = program->code[i].level;
+  const uint64_t at = level <= plan->outer ? 0
+                      : level == plan->levels ? lane
+                                              : lane / (plan->level_lanes[plan->levels] / plan->level_lanes[level]);
+  *failed = plan->any_failed[i] && plan->failed[i * plan->lane_capacity + at];
+  return plan->registers[i * plan->lane_capacity + at];
+}
+
+// The row of one lane of a probability table, as distribution_of_node makes
+// it from the expression.
+int lane_row(batch_plan_t *plan, const batch_program_t *program, uint64_t lane, double *row) {
+  double lower = -DBL_MAX, upper = DBL_MAX;
+  bool failed = false;
+  for (int32_t s = program->root;;) {
+    const batch_shape_t &shape = program->shapes[s];
+    switch (shape.kind) {
+      case shape_if: {
+        const double condition = value_at(plan, program, shape.value, lane, &failed);
+        if (failed) return unusual;
+        s = condition != 0.0 ? shape.first : shape.second;
+        continue;
+      }
+      case shape_truncate:
+        if (shape.value >= 0) {
+          const double bound = value_at(plan, program, shape.value, lane, &failed);
+          if (failed) return unusual;
+          if (bound > lower) lower = bound;
+        }
+        if (shape.upper >= 0) {
+          const double bound = value_at(plan, program, shape.upper, lane, &failed);
+          if (failed) return unusual;
+          if (upper > bound) upper = bound;
+        }
+        s = shape.first;
+        continue;
+      case shape_number: {
+        const double value = value_at(plan, program, shape.value, lane, &failed);
+        if (failed) return unusual;
+        return place_value(plan->node, row, plan->n, value);
+      }
+      case shape_boolean: {
+        const double truth = value_at(plan, program, shape.value, lane, &failed);
+        if (failed) return unusual;
+        return place_state(row, plan->n, truth != 0.0 ? 1 : 0);
+      }
+      case shape_label: {
+        const char *label = eval_label_expr(shape.expression);
+        if (!label) return unusual;
+        return place_label(plan->node, row, plan->n, label);
+      }
+      default: {  // a builder
+        for (uint32_t a = 0; a < shape.argument_count; ++a) {
+          plan->argument_values[a] = value_at(plan, program, program->arguments[shape.arguments + a], lane, &failed);
+          plan->argument_failed[a] = failed;
+        }
+        return distribution_row(builder_arguments_t{shape.expression, plan->argument_values, plan->argument_failed},
+                                plan->node, row, plan->n, lower, upper);
+      }
+    }
+  }
+}
+
+// The rows of every lane: three rows of n each, one after another.
+int lane_rows(batch_plan_t *plan, const batch_program_t *program, uint64_t lanes) {
+  double *rows = plan->lane_rows;
+  if (plan->probability) {
+    for (uint64_t lane = 0; lane < lanes; ++lane)
+      if (lane_row(plan, program, lane, rows + 3 * plan->n * lane) != 0) return unusual;
+    return 0;
+  }
+  const int32_t root = program->root;
+  if (program->code[root].level == plan->levels && plan->levels > plan->outer) {
+    // One value per lane already: copied as it stands.
+    const double *value = plan->registers + root * plan->lane_capacity;
+    const uint8_t *failed = plan->failed + root * plan->lane_capacity;
+    if (plan->any_failed[root])
+      for (uint64_t lane = 0; lane < lanes; ++lane)
+        if (failed[lane]) return unusual;
+    for (uint64_t lane = 0; lane < lanes; ++lane)
+      rows[3 * lane] = rows[3 * lane + 1] = rows[3 * lane + 2] = value[lane];
+    return 0;
+  }
+  for (uint64_t lane = 0; lane < lanes; ++lane) {
+    bool failed = false;
+    const double value = value_at(plan, program, root, lane, &failed);
+    if (failed) return unusual;
+    rows[3 * lane] = rows[3 * lane + 1] = rows[3 * lane + 2] = value;
+  }
+  return 0;
+}
+
+// Averages the lane rows over the lane levels, innermost first, as the
+// scalar sampler's nesting does: a level's first point starts the mean,
+// later points are folded in, and the mean of the level's points takes the
+// place of its group.  Leaves the one row of the lane levels first.
+void reduce_lanes(batch_plan_t *plan) {
+  const uint64_t n = plan->n, width = 3 * n;
+  double *rows = plan->lane_rows;
+  for (uint32_t j = plan->levels; j > plan->outer; --j) {
+    const uint64_t count = plan->level_count[j];
+    if (count == 1) continue;  // one point, nothing to average
+    const uint64_t groups = plan->level_lanes[j - 1];
+    if (n == 1) {
+      // A utility: the same steps with the row's three values at hand.
+      for (uint64_t g = 0; g < groups; ++g) {
+        const double *first = rows + 3 * g * count;
+        double mean = first[0], low = first[1], high = first[2];
+        for (uint64_t k = 1; k < count; ++k) {
+          const double *next = first + 3 * k;
+          mean += next[0];
+          if (next[1] < low) low = next[1];
+          if (high < next[2]) high = next[2];
+        }
+        rows[3 * g] = mean / static_cast<double>(plan->samples);
+        rows[3 * g + 1] = low;
+        rows[3 * g + 2] = high;
+      }
+      continue;
+    }
+    for (uint64_t g = 0; g < groups; ++g) {
+      double *mean = rows + width * g;
+      const double *first = rows + width * g * count;
+      if (g > 0)
+        for (uint64_t x = 0; x < width; ++x) mean[x] = first[x];
+      for (uint64_t k = 1; k < count; ++k) fold_sample(mean, first + width * k, n);
+      for (uint64_t x = 0; x < n; ++x) mean[x] /= static_cast<double>(plan->samples);
+    }
+  }
+}
+
+// Folds the row of the lane levels into the means of the levels walked one
+// point at a time: a level's first point starts its block, later points are
+// folded in, and the last completes the mean, which goes on outward.
+void fold_outer(batch_plan_t *plan, double *out, double *accumulators) {
+  const uint64_t width = 3 * plan->n;
+  const double *value = plan->lane_rows;
+  for (uint32_t j = plan->outer; j >= 1; --j) {
+    double *block = accumulators + width * j;
+    const uint64_t index = plan->level_index[j];
+    if (index == 0) {
+      for (uint64_t x = 0; x < width; ++x) block[x] = value[x];
+    } else {
+      fold_sample(block, value, plan->n);
+    }
+    if (index + 1 < plan->level_count[j]) return;
+    if (plan->level_sampling[j] == sampling_averaged)
+      for (uint64_t x = 0; x < plan->n; ++x) block[x] /= static_cast<double>(plan->samples);
+    value = block;
+  }
+  for (uint64_t x = 0; x < width; ++x) out[x] = value[x];
+}
+
+// The next point of the levels walked one point at a time; the first level
+// that moved, or 0 when all are done.
+uint32_t next_outer(batch_plan_t *plan) {
+  for (uint32_t j = plan->outer; j >= 1; --j) {
+    if (plan->level_index[j] + 1 < plan->level_count[j]) {
+      ++plan->level_index[j];
+      for (uint32_t i = j + 1; i <= plan->outer; ++i) plan->level_index[i] = 0;
+      return j;
+    }
+  }
+  return 0;
+}
+
+// Leaves the parents' values as the scalar sampler leaves them: each interval
+// parent at its last sample point.
+void leave_last_points(batch_plan_t *plan) {
+  for (uint32_t j = 1; j <= plan->levels; ++j) {
+    const uint64_t last = plan->level_count[j] - 1;
+    plan->level_node[j]->value = plan->level_sampling[j] == sampling_unbounded
+                                     ? plan->level_point[j]
+                                     : plan->level_lo[j] + (static_cast<double>(last) + 0.5) * plan->level_width[j];
+  }
+}
+
+int lanes_of_row(batch_plan_t *plan, batch_program_t *program, double *out, double *accumulators) {
+  prepare_levels(plan);
+  const uint64_t lanes = plan->level_lanes[plan->levels];
+  for (uint32_t from = 1; from != 0; from = next_outer(plan)) {
+    evaluate_instructions(plan, program, from, plan->levels);
+    if (lane_rows(plan, program, lanes) != 0) return unusual;
+    reduce_lanes(plan);
+    fold_outer(plan, out, accumulators);
+  }
+  leave_last_points(plan);
+  return 0;
+}
+
+}  // namespace
+
+int batch_row(batch_plan_t *plan, const vel_expression_t *expression, uint64_t changed, double *out,
+              double *accumulators) {
+  ++plan->serial;
+  for (uint64_t i = changed; i <= plan->table->node_count; ++i) plan->changed_at[i] = plan->serial;
+  batch_program_t *program = program_for(plan, expression);
+  if (!program->compiled) return unusual;
+  // Numbered parents' values, which the configuration's terms read.
+  for (uint64_t i = 0; i < plan->table->node_count; ++i) {
+    vel_node_t *parent = plan->table->nodes[i];
+    if (parent != plan->node && parent->subtype == vel_subtype_numbered)
+      parent->value = parent->state_values[parent->state_index];
+  }
+  // What the row's leaves refuse is refused again on the scalar path, which
+  // writes the messages: nothing is written here.
+  vel_domain_t *domain = plan->node->domain;
+  FILE *log = domain->log_file;
+  domain->log_file = nullptr;
+  evaluate_configuration(plan, program);
+  // Steps of min, max, and, or over values of the configuration alone.
+  evaluate_instructions(plan, program, 0, 0);
+  const int code = lanes_of_row(plan, program, out, accumulators);
+  domain->log_file = log;
+  return code;
+}
