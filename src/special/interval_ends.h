@@ -23,12 +23,14 @@ class EndCache {
   End &at(double point, Make make) {
     uint64_t bits;
     std::memcpy(&bits, &point, sizeof bits);
+    // The end stored last is the one a row's next state starts from.
+    if (used_ > 0 && slots_[last_].bits == bits) return slots_[last_].end;
     for (unsigned i = 0; i < used_; ++i)
       if (slots_[i].bits == bits) return slots_[i].end;
-    unsigned i = used_ < size ? used_++ : pinned + (turn_++ % (size - pinned));
-    slots_[i].bits = bits;
-    make(slots_[i].end);
-    return slots_[i].end;
+    last_ = used_ < size ? used_++ : pinned + (turn_++ % (size - pinned));
+    slots_[last_].bits = bits;
+    make(slots_[last_].end);
+    return slots_[last_].end;
   }
 
  private:
@@ -41,6 +43,7 @@ class EndCache {
   Slot slots_[size];
   unsigned used_ = 0;
   unsigned turn_ = 0;
+  unsigned last_ = 0;
 };
 
 // An end of a normal interval: the standardised point and the values of

@@ -6,6 +6,7 @@
 // scalar path.  The program's instructions come in an order in which every
 // operand precedes its user.
 #include <algorithm>
+#include <cstring>
 
 #include "table_generator/batch_plan.h"
 #include "table_generator/numeric_operators.h"
@@ -151,10 +152,65 @@ class Compiler {
     return emit({kind, boolean, max_level({a, b}), op, a, b, -1, -1, nullptr});
   }
 
+  // An instruction the program has already is not computed twice (the same
+  // subexpression written again, a parent's sample points read again).
   int32_t emit(const batch_instruction_t &instruction) {
+    uint64_t slot = hash(instruction) & (plan_->seen_size - 1);
+    for (; plan_->seen[slot] >= 0; slot = (slot + 1) & (plan_->seen_size - 1))
+      if (same(program_->code[plan_->seen[slot]], instruction)) return plan_->seen[slot];
     if (program_->count >= plan_->capacity) return fail();
     program_->code[program_->count] = instruction;
+    plan_->seen[slot] = static_cast<int32_t>(program_->count);
     return static_cast<int32_t>(program_->count++);
+  }
+
+  static uint64_t mix(uint64_t h, uint64_t v) { return (h ^ v) * 0x100000001b3ull; }
+
+  static uint64_t tree_hash(const vel_expression_t *e) {
+    uint64_t h = mix(0xcbf29ce484222325ull, e->operator_);
+    switch (e->operator_) {
+      case vel_op_number: {
+        uint64_t bits;
+        std::memcpy(&bits, &e->number, sizeof bits);
+        return mix(h, bits);
+      }
+      case vel_op_label:
+        for (const char *c = e->label; *c; ++c) h = mix(h, static_cast<unsigned char>(*c));
+        return h;
+      case vel_op_node: return mix(h, reinterpret_cast<uintptr_t>(e->node));
+      case vel_op_truth: return mix(h, static_cast<uint64_t>(e->truth));
+      default:
+        for (vel_expression_t *const *a = e->arguments; *a; ++a) h = mix(h, tree_hash(*a));
+        return h;
+    }
+  }
+
+  static bool same_tree(const vel_expression_t *x, const vel_expression_t *y) {
+    if (x->operator_ != y->operator_ || x->type != y->type) return false;
+    switch (x->operator_) {
+      case vel_op_number: return std::memcmp(&x->number, &y->number, sizeof x->number) == 0;
+      case vel_op_label: return std::strcmp(x->label, y->label) == 0;
+      case vel_op_node: return x->node == y->node;
+      case vel_op_truth: return x->truth == y->truth;
+      default: break;
+    }
+    size_t i = 0;
+    for (; x->arguments[i] && y->arguments[i]; ++i)
+      if (!same_tree(x->arguments[i], y->arguments[i])) return false;
+    return !x->arguments[i] && !y->arguments[i];
+  }
+
+  static uint64_t hash(const batch_instruction_t &in) {
+    uint64_t h = mix(mix(mix(0xcbf29ce484222325ull, in.kind), in.boolean), in.level);
+    if (in.kind == op_row) return mix(h, tree_hash(in.expression));
+    return mix(mix(mix(mix(h, in.code), static_cast<uint32_t>(in.a)), static_cast<uint32_t>(in.b)),
+               static_cast<uint32_t>(in.c));
+  }
+
+  static bool same(const batch_instruction_t &x, const batch_instruction_t &y) {
+    if (x.kind != y.kind || x.boolean != y.boolean || x.level != y.level) return false;
+    if (x.kind == op_row) return same_tree(x.expression, y.expression);
+    return x.code == y.code && x.a == y.a && x.b == y.b && x.c == y.c;
   }
 
   int32_t add_shape(const batch_shape_t &shape) {
@@ -212,10 +268,16 @@ int compile_program(batch_plan_t *plan, batch_program_t *program, const vel_expr
   program->count = 0;
   program->shape_count = 0;
   program->argument_count = 0;
+  for (uint64_t i = 0; i < plan->seen_size; ++i) plan->seen[i] = -1;
   Compiler compiler(plan, program);
   program->root = plan->probability ? compiler.shape(expression, plan->node->subtype)
                                     : compiler.value(expression);
   program->compiled = !compiler.failed() && program->root >= 0;
-  for (uint32_t i = 0; i < program->count; ++i) program->row_serial[i] = 0;
+  program->deepest_row = -1;
+  for (uint32_t i = 0; i < program->count; ++i) {
+    program->row_serial[i] = 0;
+    if (program->code[i].kind == op_row && program->code[i].depth > program->deepest_row)
+      program->deepest_row = program->code[i].depth;
+  }
   return program->compiled;
 }

@@ -69,7 +69,7 @@ class Evaluation {
     const uint32_t from = program_->code[i].level;
     return Operand{plan_->registers + i * plan_->lane_capacity,
                    plan_->any_failed[i] ? plan_->failed + i * plan_->lane_capacity : nullptr,
-                   lanes_of(level) / lanes_of(from)};
+                   plan_->level_spread[from * (plan_->levels + 1) + level]};
   }
 
   static uint8_t failed_at(const Operand &o, uint64_t lane) { return o.failed ? o.failed[lane / o.spread] : 0; }
@@ -86,7 +86,11 @@ class Evaluation {
       value_[0] = point(plan_->level_index[j]);
       return;
     }
-    for (uint64_t k = 0; k < count; ++k) value_[k] = point(k);
+    if (plan_->block_active && j == plan_->levels) {
+      for (uint64_t k = 0; k < count; ++k) value_[k] = plan_->block_points[k];
+    } else {
+      for (uint64_t k = 0; k < count; ++k) value_[k] = point(k);
+    }
     for (uint64_t lane = count; lane < lanes_; lane += count)
       for (uint64_t k = 0; k < count; ++k) value_[lane + k] = value_[k];
   }

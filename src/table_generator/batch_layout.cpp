@@ -16,6 +16,7 @@ constexpr uint64_t alignment = 64;
 constexpr uint64_t lane_budget = 1024;
 constexpr uint64_t register_budget = uint64_t{1} << 21;
 constexpr uint64_t row_budget = uint64_t{1} << 20;
+constexpr uint64_t block_lane_budget = uint64_t{1} << 14;
 // Programs kept compiled at once, and the largest expression batched.
 constexpr uint64_t slot_budget = 16;
 constexpr uint64_t instruction_budget = uint64_t{1} << 16;
@@ -52,7 +53,26 @@ struct Sizes {
   uint64_t capacity = 0;
   uint64_t slots = 0;
   uint64_t lanes = 1;
+  uint64_t block_states = 0;  // states of the innermost parent batched together; 0: none
 };
+
+// Rows that differ only in the state of the last parent, an interval parent
+// that selects no expression, are computed together when their lanes fit:
+// the sample points of all its states side by side.
+uint64_t block_states_of(const vel_table_t *table, const vel_model_t *model, uint64_t parents,
+                         uint64_t lanes, uint64_t capacity, uint64_t n) {
+  const vel_node_t *last = parents > 0 ? table->nodes[parents - 1] : nullptr;
+  if (!last || last->subtype != vel_subtype_interval || last->state_count < 2) return 0;
+  for (vel_node_t *const *m = model->nodes; m && *m; ++m)
+    if (*m == last) return 0;
+  const uint64_t states = last->state_count;
+  uint64_t block_lanes = 0;
+  if (__builtin_mul_overflow(lanes, states, &block_lanes) || block_lanes > block_lane_budget ||
+      block_lanes > register_budget / capacity || block_lanes > row_budget / (3 * n) ||
+      states > row_budget / (3 * n))
+    return 0;
+  return states;
+}
 
 // What the plan needs, or levels 0 when the table is left to the scalar path.
 Sizes sizes_of(const vel_table_t *table, const vel_model_t *model) {
@@ -82,6 +102,10 @@ Sizes sizes_of(const vel_table_t *table, const vel_model_t *model) {
     sizes.lanes *= samples;
     --sizes.outer;
   }
+  if (sizes.outer == 0) {
+    sizes.block_states = block_states_of(table, model, parents, sizes.lanes, sizes.capacity, n);
+    if (sizes.block_states) sizes.lanes *= sizes.block_states;
+  }
   return sizes;
 }
 
@@ -101,6 +125,10 @@ batch_plan_t *lay_out(Layout &layout, vel_table_t *table, const vel_model_t *mod
   uint8_t *level_sampling = layout.take<uint8_t>(k + 1);
   uint64_t *level_index = layout.take<uint64_t>(k + 1);
   uint64_t *level_lanes = layout.take<uint64_t>(k + 1);
+  uint64_t *level_spread = layout.take<uint64_t>((k + 1) * (k + 1));
+  uint64_t seen_size = 1;
+  while (seen_size < 2 * c) seen_size *= 2;
+  int32_t *seen = layout.take<int32_t>(seen_size);
   batch_program_t *slots = layout.take<batch_program_t>(sizes.slots);
   batch_program_t programs[slot_budget];
   for (uint64_t s = 0; s < sizes.slots; ++s) {
@@ -119,6 +147,15 @@ batch_plan_t *lay_out(Layout &layout, vel_table_t *table, const vel_model_t *mod
   double *lane_rows = layout.take<double>(3 * n * sizes.lanes);
   double *argument_values = layout.take<double>(c);
   bool *argument_failed = layout.take<bool>(c);
+  const uint64_t b = sizes.block_states;
+  uint8_t *block_ok = layout.take<uint8_t>(b);
+  uint32_t *block_point_state = layout.take<uint32_t>(b * model->samples_per_interval);
+  uint64_t *block_offset = layout.take<uint64_t>(b + 1);
+  double *block_points = layout.take<double>(b * model->samples_per_interval);
+  double *block_lo = layout.take<double>(b);
+  double *block_width = layout.take<double>(b);
+  double *block_point = layout.take<double>(b);
+  uint8_t *block_sampling = layout.take<uint8_t>(b);
   if (!plan) return nullptr;  // measured only
 
   *plan = batch_plan_t{};
@@ -155,10 +192,23 @@ batch_plan_t *lay_out(Layout &layout, vel_table_t *table, const vel_model_t *mod
   plan->level_sampling = level_sampling;
   plan->level_index = level_index;
   plan->level_lanes = level_lanes;
+  plan->level_spread = level_spread;
+  plan->seen = seen;
+  plan->seen_size = seen_size;
   plan->lane_rows = lane_rows;
   plan->argument_values = argument_values;
   plan->argument_failed = argument_failed;
   plan->argument_capacity = c;
+  plan->block_states = b;
+  plan->block_ok = block_ok;
+  plan->block_point_state = block_point_state;
+  plan->block_offset = block_offset;
+  plan->block_points = block_points;
+  plan->block_lo = block_lo;
+  plan->block_width = block_width;
+  plan->block_point = block_point;
+  plan->block_sampling = block_sampling;
+  plan->block_program = nullptr;
   return plan;
 }
 

@@ -79,6 +79,7 @@ struct batch_program_t {
   double *row_value;
   uint8_t *row_failed;
   uint64_t *row_serial;                // the row serial it was computed at; 0: never
+  int32_t deepest_row;                 // the last table position a configuration value reads
 };
 
 // How an interval parent's state is sampled: at one point (an interval of
@@ -116,10 +117,28 @@ struct batch_plan_t {
   uint8_t *level_sampling;  // sampling_* below
   uint64_t *level_index;    // the outer walk's current point per level
   uint64_t *level_lanes;    // lanes of a value that varies with the levels up to j
+  uint64_t *level_spread;   // [from * (levels + 1) + to]: lanes of level `to` per value of `from`
+  int32_t *seen;            // compiling: instructions by hash, for common subexpressions
+  uint64_t seen_size;       // a power of two
   double *lane_rows;        // each lane's row: three rows of n, lane after lane
   double *argument_values;  // a builder's arguments in one lane
   bool *argument_failed;
   uint64_t argument_capacity;
+  // Rows computed together across the states of the innermost level's parent
+  // (block_states of them; 0: each row by itself): each state's row and
+  // whether it was had, the lanes of each state among the innermost level's
+  // (offsets), its sample points and how it is sampled.
+  uint64_t block_states;
+  const batch_program_t *block_program;  // whose block is held; NULL: none
+  int block_active;                      // the innermost level holds every state's points
+  uint8_t *block_ok;
+  uint32_t *block_point_state;           // the state of each of the innermost level's points
+  uint64_t *block_offset;
+  double *block_points;
+  double *block_lo;
+  double *block_width;
+  double *block_point;
+  uint8_t *block_sampling;
 };
 
 // Bytes of the plan for the table and model, 0 when they are left to the

@@ -51,6 +51,8 @@ void evaluate_configuration(batch_plan_t *plan, batch_program_t *program) {
   }
 }
 
+void prepare_spreads(batch_plan_t *plan);
+
 // The sample points of each interval parent in its current state.
 void prepare_levels(batch_plan_t *plan) {
   plan->level_lanes[plan->outer] = 1;
@@ -73,14 +75,26 @@ void prepare_levels(batch_plan_t *plan) {
     plan->level_index[j] = 0;
     if (j > plan->outer) plan->level_lanes[j] = plan->level_lanes[j - 1] * plan->level_count[j];
   }
+  prepare_spreads(plan);
+}
+
+// The lanes of each level per value of each lower one.
+void prepare_spreads(batch_plan_t *plan) {
+  const uint32_t k = plan->levels;
+  for (uint32_t from = 0; from <= k; ++from) {
+    uint64_t spread = 1;
+    for (uint32_t to = from; to <= k; ++to) {
+      if (to > from && to > plan->outer) spread *= plan->level_count[to];
+      plan->level_spread[from * (k + 1) + to] = spread;
+    }
+  }
 }
 
 double value_at(const batch_plan_t *plan, const batch_program_t *program, int32_t i, uint64_t lane,
                 bool *failed) {
   const uint32_t level = program->code[i].level;
-  const uint64_t at = level <= plan->outer ? 0
-                      : level == plan->levels ? lane
-                                              : lane / (plan->level_lanes[plan->levels] / plan->level_lanes[level]);
+  const uint64_t spread = plan->level_spread[level * (plan->levels + 1) + plan->levels];
+  const uint64_t at = spread == 1 ? lane : level == 0 ? 0 : lane / spread;
   *failed = plan->any_failed[i] && plan->failed[i * plan->lane_capacity + at];
   return plan->registers[i * plan->lane_capacity + at];
 }
@@ -266,6 +280,120 @@ int lanes_of_row(batch_plan_t *plan, batch_program_t *program, double *out, doub
   return 0;
 }
 
+// ---- Rows across the states of the innermost parent --------------------
+
+// The innermost level as the sample points of all its parent's states side
+// by side, each state's points where its offset says.
+void prepare_block_level(batch_plan_t *plan) {
+  const uint32_t k = plan->levels;
+  const vel_node_t *parent = plan->level_node[k];
+  uint64_t total = 0;
+  for (uint64_t s = 0; s < plan->block_states; ++s) {
+    const double lo = parent->state_values[s], hi = parent->state_values[s + 1];
+    double point;
+    uint64_t count = 1;
+    plan->block_offset[s] = total;
+    if (unbounded_interval_point(lo, hi, &point)) {
+      plan->block_sampling[s] = sampling_unbounded;
+      plan->block_point[s] = point;
+      plan->block_points[total] = point;
+    } else {
+      const double width = (hi - lo) / static_cast<double>(plan->samples);
+      plan->block_lo[s] = lo;
+      plan->block_width[s] = width;
+      plan->block_sampling[s] = width == 0.0 ? sampling_single : sampling_averaged;
+      count = width == 0.0 ? 1 : plan->samples;
+      for (uint64_t i = 0; i < count; ++i)
+        plan->block_points[total + i] = lo + (static_cast<double>(i) + 0.5) * width;
+    }
+    for (uint64_t i = 0; i < count; ++i) plan->block_point_state[total + i] = static_cast<uint32_t>(s);
+    total += count;
+  }
+  plan->block_offset[plan->block_states] = total;
+  plan->level_count[k] = total;
+  plan->level_lanes[k] = plan->level_lanes[k - 1] * total;
+  prepare_spreads(plan);
+}
+
+// Averages the rows of the items first, first + stride, ... (count of them)
+// into the row at `to`, as the scalar sampler averages a level's points.
+void average_items(double *rows, uint64_t n, uint64_t to, uint64_t first, uint64_t stride, uint64_t count,
+                   bool averaged, uint64_t samples) {
+  const uint64_t width = 3 * n;
+  double *mean = rows + width * to;
+  if (to != first)
+    for (uint64_t x = 0; x < width; ++x) mean[x] = rows[width * first + x];
+  for (uint64_t i = 1; i < count; ++i) fold_sample(mean, rows + width * (first + i * stride), n);
+  if (averaged)
+    for (uint64_t x = 0; x < n; ++x) mean[x] /= static_cast<double>(samples);
+}
+
+// Every state's row of the block: the lanes' rows averaged over the
+// innermost level per state, then over the levels outside it.  Leaves state
+// s's row at item s.
+void reduce_block(batch_plan_t *plan) {
+  const uint32_t k = plan->levels;
+  const uint64_t states = plan->block_states, total = plan->level_count[k];
+  const uint64_t prefixes = plan->level_lanes[k - 1];
+  double *rows = plan->lane_rows;
+  for (uint64_t p = 0; p < prefixes; ++p)
+    for (uint64_t s = 0; s < states; ++s)
+      average_items(rows, plan->n, p * states + s, p * total + plan->block_offset[s], 1,
+                    plan->block_offset[s + 1] - plan->block_offset[s],
+                    plan->block_sampling[s] == sampling_averaged, plan->samples);
+  for (uint32_t j = k - 1; j >= 1; --j) {
+    const uint64_t count = plan->level_count[j];
+    if (count == 1) continue;
+    const uint64_t groups = plan->level_lanes[j - 1];
+    for (uint64_t g = 0; g < groups; ++g)
+      for (uint64_t s = 0; s < states; ++s)
+        average_items(rows, plan->n, g * states + s, g * count * states + s, states, count, true,
+                      plan->samples);
+  }
+}
+
+// Computes the rows of every state of the innermost parent at once.
+void compute_block(batch_plan_t *plan, batch_program_t *program) {
+  prepare_levels(plan);
+  plan->block_active = 1;
+  prepare_block_level(plan);
+  evaluate_instructions(plan, program, 1, plan->levels);
+  plan->block_active = 0;
+  const uint64_t lanes = plan->level_lanes[plan->levels], total = plan->level_count[plan->levels];
+  for (uint64_t s = 0; s < plan->block_states; ++s) plan->block_ok[s] = 1;
+  for (uint64_t lane = 0; lane < lanes; ++lane) {
+    double *row = plan->lane_rows + 3 * plan->n * lane;
+    int code;
+    if (plan->probability) {
+      code = lane_row(plan, program, lane, row);
+    } else {
+      bool failed = false;
+      row[0] = row[1] = row[2] = value_at(plan, program, program->root, lane, &failed);
+      code = failed ? unusual : 0;
+    }
+    if (code != 0) plan->block_ok[plan->block_point_state[lane % total]] = 0;
+  }
+  reduce_block(plan);
+  plan->block_program = program;
+}
+
+// A row of the block held: state s's, with the parents' values left as the
+// scalar sampler leaves them.
+int row_of_block(batch_plan_t *plan, uint64_t s, double *out) {
+  if (!plan->block_ok[s]) return unusual;
+  const double *row = plan->lane_rows + 3 * plan->n * s;
+  for (uint64_t x = 0; x < 3 * plan->n; ++x) out[x] = row[x];
+  for (uint32_t j = 1; j < plan->levels; ++j) {
+    const uint64_t last = plan->level_count[j] - 1;
+    plan->level_node[j]->value = plan->level_sampling[j] == sampling_unbounded
+                                     ? plan->level_point[j]
+                                     : plan->level_lo[j] + (static_cast<double>(last) + 0.5) * plan->level_width[j];
+  }
+  const uint64_t last = plan->block_offset[s + 1] - 1;
+  plan->level_node[plan->levels]->value = plan->block_points[last];
+  return 0;
+}
+
 }  // namespace
 
 int batch_row(batch_plan_t *plan, const vel_expression_t *expression, uint64_t changed, double *out,
@@ -285,10 +413,25 @@ int batch_row(batch_plan_t *plan, const vel_expression_t *expression, uint64_t c
   vel_domain_t *domain = plan->node->domain;
   FILE *log = domain->log_file;
   domain->log_file = nullptr;
+  const vel_node_t *last = plan->level_node[plan->levels];
+  const bool block =
+      plan->block_states && program->deepest_row < static_cast<int32_t>(plan->level_position[plan->levels]);
+  const uint64_t state = static_cast<uint64_t>(last->state_index);
+  if (block && state > 0 && plan->block_program == program) {
+    domain->log_file = log;
+    return row_of_block(plan, state, out);
+  }
   evaluate_configuration(plan, program);
   // Steps of min, max, and, or over values of the configuration alone.
   evaluate_instructions(plan, program, 0, 0);
-  const int code = lanes_of_row(plan, program, out, accumulators);
+  int code;
+  if (block && state == 0) {
+    compute_block(plan, program);
+    code = row_of_block(plan, 0, out);
+  } else {
+    plan->block_program = nullptr;
+    code = lanes_of_row(plan, program, out, accumulators);
+  }
   domain->log_file = log;
   return code;
 }

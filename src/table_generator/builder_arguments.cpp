@@ -3,12 +3,10 @@
 #include "common/error.h"
 #include "table_generator/table_generator.h"
 
-int argument_number(const builder_arguments_t &arguments, size_t i, double *value) {
+int evaluate_argument(const builder_arguments_t &arguments, size_t i, double *value) {
   if (arguments.values == nullptr) return eval_numeric_expr(arguments.distribution->arguments[i], value);
   // A failed lane is redone by the scalar path, which reports it properly.
-  if (arguments.failed[i]) return vel::fail(vel_error_computation);
-  *value = arguments.values[i];
-  return 0;
+  return vel::fail(vel_error_computation);
 }
 
 int argument_truth(const builder_arguments_t &arguments, size_t i) {

@@ -13,8 +13,15 @@ struct builder_arguments_t {
   const bool *failed;    // batch: whether the argument's evaluation failed in the lane
 };
 
+// Argument i evaluated from its expression (argument_number's slow side).
+int evaluate_argument(const builder_arguments_t &arguments, size_t i, double *value);
+
 // Argument i as a number: 0, or the error code of its evaluation (set).
-int argument_number(const builder_arguments_t &arguments, size_t i, double *value);
+inline int argument_number(const builder_arguments_t &arguments, size_t i, double *value) {
+  if (arguments.values == nullptr || arguments.failed[i]) return evaluate_argument(arguments, i, value);
+  *value = arguments.values[i];
+  return 0;
+}
 // Argument i as a condition: 1 true, 0 false, negative when it failed.
 int argument_truth(const builder_arguments_t &arguments, size_t i);
 // Whether the builder was written with an argument i (optional arguments).

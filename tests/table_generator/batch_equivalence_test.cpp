@@ -147,7 +147,9 @@ TEST_F(BatchEquivalence, RandomModelsAgreeToTheBit) {
                     : kind == "numbered" ? numbered(name.c_str(), {0, 1, 2})
                     : kind == "boolean"  ? boolean(name.c_str())
                                          : labeled(name.c_str(), {"x", "y"});
-    parents(x, {a, f, b, n});
+    // With B last, rows that differ only in B's state are batched together.
+    if (round % 2) parents(x, {a, f, b, n});
+    else parents(x, {a, f, n, b});
     const std::string one = kind == "utility" ? expressions.number(3) : expressions.distribution(kind, 3);
     const std::string two = kind == "utility" ? expressions.number(2) : expressions.distribution(kind, 2);
     vel_model_t *m = model(x, {f}, {one.c_str(), two.c_str()});
