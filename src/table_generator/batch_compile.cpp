@@ -261,6 +261,14 @@ class Compiler {
   bool failed_ = false;
 };
 
+bool refers_to(const vel_expression_t *e, const vel_node_t *node) {
+  if (e->operator_ == vel_op_node) return e->node == node;
+  if (e->operator_ >= vel_op_number) return false;
+  for (vel_expression_t *const *a = e->arguments; *a; ++a)
+    if (refers_to(*a, node)) return true;
+  return false;
+}
+
 }  // namespace
 
 int compile_program(batch_plan_t *plan, batch_program_t *program, const vel_expression_t *expression) {
@@ -273,11 +281,13 @@ int compile_program(batch_plan_t *plan, batch_program_t *program, const vel_expr
   program->root = plan->probability ? compiler.shape(expression, plan->node->subtype)
                                     : compiler.value(expression);
   program->compiled = !compiler.failed() && program->root >= 0;
-  program->deepest_row = -1;
+  program->block_serial = 0;
+  program->reads_block_node = 0;
+  const vel_node_t *block_node = plan->block_states ? plan->level_node[plan->levels] : nullptr;
   for (uint32_t i = 0; i < program->count; ++i) {
     program->row_serial[i] = 0;
-    if (program->code[i].kind == op_row && program->code[i].depth > program->deepest_row)
-      program->deepest_row = program->code[i].depth;
+    if (block_node && program->code[i].kind == op_row && refers_to(program->code[i].expression, block_node))
+      program->reads_block_node = 1;
   }
   return program->compiled;
 }

@@ -56,20 +56,30 @@ struct Sizes {
   uint64_t block_states = 0;  // states of the innermost parent batched together; 0: none
 };
 
-// Rows that differ only in the state of the last parent, an interval parent
-// that selects no expression, are computed together when their lanes fit:
-// the sample points of all its states side by side.
+bool is_model_node(const vel_model_t *model, const vel_node_t *node) {
+  for (vel_node_t *const *m = model->nodes; m && *m; ++m)
+    if (*m == node) return true;
+  return false;
+}
+
+// Rows that differ only in the state of the innermost interval parent, which
+// selects no expression while every parent after it does, are computed
+// together when their lanes fit: the sample points of all its states side by
+// side.
 uint64_t block_states_of(const vel_table_t *table, const vel_model_t *model, uint64_t parents,
                          uint64_t lanes, uint64_t capacity, uint64_t n) {
-  const vel_node_t *last = parents > 0 ? table->nodes[parents - 1] : nullptr;
-  if (!last || last->subtype != vel_subtype_interval || last->state_count < 2) return 0;
-  for (vel_node_t *const *m = model->nodes; m && *m; ++m)
-    if (*m == last) return 0;
+  uint64_t position = parents;
+  while (position > 0 && table->nodes[position - 1]->subtype != vel_subtype_interval) --position;
+  if (position == 0) return 0;
+  const vel_node_t *last = table->nodes[position - 1];
+  if (last->state_count < 2 || is_model_node(model, last)) return 0;
+  for (uint64_t i = position; i < parents; ++i)
+    if (!is_model_node(model, table->nodes[i])) return 0;
   const uint64_t states = last->state_count;
   uint64_t block_lanes = 0;
   if (__builtin_mul_overflow(lanes, states, &block_lanes) || block_lanes > block_lane_budget ||
       block_lanes > register_budget / capacity || block_lanes > row_budget / (3 * n) ||
-      states > row_budget / (3 * n))
+      states > row_budget / (3 * n * slot_budget))
     return 0;
   return states;
 }
@@ -139,6 +149,8 @@ batch_plan_t *lay_out(Layout &layout, vel_table_t *table, const vel_model_t *mod
     programs[s].row_value = layout.take<double>(c);
     programs[s].row_failed = layout.take<uint8_t>(c);
     programs[s].row_serial = layout.take<uint64_t>(c);
+    programs[s].block_rows = layout.take<double>(3 * n * sizes.block_states);
+    programs[s].block_ok = layout.take<uint8_t>(sizes.block_states);
   }
   double *registers = layout.take<double>(c * sizes.lanes);
   uint8_t *failed = layout.take<uint8_t>(c * sizes.lanes);
@@ -148,7 +160,6 @@ batch_plan_t *lay_out(Layout &layout, vel_table_t *table, const vel_model_t *mod
   double *argument_values = layout.take<double>(c);
   bool *argument_failed = layout.take<bool>(c);
   const uint64_t b = sizes.block_states;
-  uint8_t *block_ok = layout.take<uint8_t>(b);
   uint32_t *block_point_state = layout.take<uint32_t>(b * model->samples_per_interval);
   uint64_t *block_offset = layout.take<uint64_t>(b + 1);
   double *block_points = layout.take<double>(b * model->samples_per_interval);
@@ -200,7 +211,6 @@ batch_plan_t *lay_out(Layout &layout, vel_table_t *table, const vel_model_t *mod
   plan->argument_failed = argument_failed;
   plan->argument_capacity = c;
   plan->block_states = b;
-  plan->block_ok = block_ok;
   plan->block_point_state = block_point_state;
   plan->block_offset = block_offset;
   plan->block_points = block_points;
@@ -208,7 +218,6 @@ batch_plan_t *lay_out(Layout &layout, vel_table_t *table, const vel_model_t *mod
   plan->block_width = block_width;
   plan->block_point = block_point;
   plan->block_sampling = block_sampling;
-  plan->block_program = nullptr;
   return plan;
 }
 

@@ -79,7 +79,13 @@ struct batch_program_t {
   double *row_value;
   uint8_t *row_failed;
   uint64_t *row_serial;                // the row serial it was computed at; 0: never
-  int32_t deepest_row;                 // the last table position a configuration value reads
+  // Rows across the states of the block parent (see batch_plan_t): whether a
+  // configuration value reads that parent (then there are none), each
+  // state's row and whether it was had, and the row serial they are of.
+  int reads_block_node;
+  double *block_rows;
+  uint8_t *block_ok;
+  uint64_t block_serial;
 };
 
 // How an interval parent's state is sampled: at one point (an interval of
@@ -125,13 +131,12 @@ struct batch_plan_t {
   bool *argument_failed;
   uint64_t argument_capacity;
   // Rows computed together across the states of the innermost level's parent
-  // (block_states of them; 0: each row by itself): each state's row and
-  // whether it was had, the lanes of each state among the innermost level's
-  // (offsets), its sample points and how it is sampled.
+  // (block_states of them; 0: each row by itself), when every table node
+  // after it selects the expression, so that the rows of a program all share
+  // the configuration of the nodes before it: the lanes of each state among
+  // the innermost level's (offsets), its sample points and how it is sampled.
   uint64_t block_states;
-  const batch_program_t *block_program;  // whose block is held; NULL: none
   int block_active;                      // the innermost level holds every state's points
-  uint8_t *block_ok;
   uint32_t *block_point_state;           // the state of each of the innermost level's points
   uint64_t *block_offset;
   double *block_points;

@@ -360,7 +360,7 @@ void compute_block(batch_plan_t *plan, batch_program_t *program) {
   evaluate_instructions(plan, program, 1, plan->levels);
   plan->block_active = 0;
   const uint64_t lanes = plan->level_lanes[plan->levels], total = plan->level_count[plan->levels];
-  for (uint64_t s = 0; s < plan->block_states; ++s) plan->block_ok[s] = 1;
+  for (uint64_t s = 0; s < plan->block_states; ++s) program->block_ok[s] = 1;
   for (uint64_t lane = 0; lane < lanes; ++lane) {
     double *row = plan->lane_rows + 3 * plan->n * lane;
     int code;
@@ -371,17 +371,19 @@ void compute_block(batch_plan_t *plan, batch_program_t *program) {
       row[0] = row[1] = row[2] = value_at(plan, program, program->root, lane, &failed);
       code = failed ? unusual : 0;
     }
-    if (code != 0) plan->block_ok[plan->block_point_state[lane % total]] = 0;
+    if (code != 0) program->block_ok[plan->block_point_state[lane % total]] = 0;
   }
   reduce_block(plan);
-  plan->block_program = program;
+  const uint64_t width = 3 * plan->n;
+  for (uint64_t x = 0; x < width * plan->block_states; ++x) program->block_rows[x] = plan->lane_rows[x];
+  program->block_serial = plan->serial;
 }
 
 // A row of the block held: state s's, with the parents' values left as the
 // scalar sampler leaves them.
-int row_of_block(batch_plan_t *plan, uint64_t s, double *out) {
-  if (!plan->block_ok[s]) return unusual;
-  const double *row = plan->lane_rows + 3 * plan->n * s;
+int row_of_block(batch_plan_t *plan, const batch_program_t *program, uint64_t s, double *out) {
+  if (!program->block_ok[s]) return unusual;
+  const double *row = program->block_rows + 3 * plan->n * s;
   for (uint64_t x = 0; x < 3 * plan->n; ++x) out[x] = row[x];
   for (uint32_t j = 1; j < plan->levels; ++j) {
     const uint64_t last = plan->level_count[j] - 1;
@@ -413,23 +415,22 @@ int batch_row(batch_plan_t *plan, const vel_expression_t *expression, uint64_t c
   vel_domain_t *domain = plan->node->domain;
   FILE *log = domain->log_file;
   domain->log_file = nullptr;
-  const vel_node_t *last = plan->level_node[plan->levels];
-  const bool block =
-      plan->block_states && program->deepest_row < static_cast<int32_t>(plan->level_position[plan->levels]);
-  const uint64_t state = static_cast<uint64_t>(last->state_index);
-  if (block && state > 0 && plan->block_program == program) {
-    domain->log_file = log;
-    return row_of_block(plan, state, out);
+  // A block holds while no table node before the block parent has changed
+  // since it was computed.
+  const uint32_t position = plan->level_position[plan->levels];
+  const bool block = plan->block_states && !program->reads_block_node;
+  const bool held = block && program->block_serial != 0 &&
+                    (position == 0 || plan->changed_at[position - 1] <= program->block_serial);
+  if (!held) {
+    evaluate_configuration(plan, program);
+    // Steps of min, max, and, or over values of the configuration alone.
+    evaluate_instructions(plan, program, 0, 0);
   }
-  evaluate_configuration(plan, program);
-  // Steps of min, max, and, or over values of the configuration alone.
-  evaluate_instructions(plan, program, 0, 0);
   int code;
-  if (block && state == 0) {
-    compute_block(plan, program);
-    code = row_of_block(plan, 0, out);
+  if (block) {
+    if (!held) compute_block(plan, program);
+    code = row_of_block(plan, program, static_cast<uint64_t>(plan->level_node[plan->levels]->state_index), out);
   } else {
-    plan->block_program = nullptr;
     code = lanes_of_row(plan, program, out, accumulators);
   }
   domain->log_file = log;
