@@ -328,30 +328,53 @@ void average_items(double *rows, uint64_t n, uint64_t to, uint64_t first, uint64
     for (uint64_t x = 0; x < n; ++x) mean[x] /= static_cast<double>(samples);
 }
 
-// Every state's row of the block: the lanes' rows averaged over the
-// innermost level per state, then over the levels outside it.  Leaves state
-// s's row at item s.
-void reduce_block(batch_plan_t *plan) {
-  const uint32_t k = plan->levels;
-  const uint64_t states = plan->block_states, total = plan->level_count[k];
-  const uint64_t prefixes = plan->level_lanes[k - 1];
-  double *rows = plan->lane_rows;
+// The innermost averages of the block, from the lanes' rows: state s of
+// prefix p (the lanes of the levels outside) at item p * states + s.
+void average_block_level(batch_plan_t *plan) {
+  const uint64_t states = plan->block_states, total = plan->level_count[plan->levels];
+  const uint64_t prefixes = plan->level_lanes[plan->levels - 1];
   for (uint64_t p = 0; p < prefixes; ++p)
     for (uint64_t s = 0; s < states; ++s)
-      average_items(rows, plan->n, p * states + s, p * total + plan->block_offset[s], 1,
+      average_items(plan->lane_rows, plan->n, p * states + s, p * total + plan->block_offset[s], 1,
                     plan->block_offset[s + 1] - plan->block_offset[s],
                     plan->block_sampling[s] == sampling_averaged, plan->samples);
-  for (uint32_t j = k - 1; j >= 1; --j) {
+}
+// The same averages of a utility, whose lanes' rows are its values alone:
+// read where they are, folded as fold_sample folds them.
+void average_block_values(batch_plan_t *plan, const double *values) {
+  const uint64_t states = plan->block_states, total = plan->level_count[plan->levels];
+  const uint64_t prefixes = plan->level_lanes[plan->levels - 1];
+  for (uint64_t p = 0; p < prefixes; ++p)
+    for (uint64_t s = 0; s < states; ++s) {
+      const double *v = values + p * total + plan->block_offset[s];
+      const uint64_t count = plan->block_offset[s + 1] - plan->block_offset[s];
+      double mean = v[0], low = v[0], high = v[0];
+      for (uint64_t i = 1; i < count; ++i) {
+        mean += v[i];
+        if (v[i] < low) low = v[i];
+        if (high < v[i]) high = v[i];
+      }
+      if (plan->block_sampling[s] == sampling_averaged) mean /= static_cast<double>(plan->samples);
+      double *row = plan->lane_rows + 3 * (p * states + s);
+      row[0] = mean;
+      row[1] = low;
+      row[2] = high;
+    }
+}
+// Every state's row of the block, its innermost averages made: averaged over
+// the levels outside it.  Leaves state s's row at item s.
+void average_outer_levels(batch_plan_t *plan) {
+  const uint64_t states = plan->block_states;
+  for (uint32_t j = plan->levels - 1; j >= 1; --j) {
     const uint64_t count = plan->level_count[j];
     if (count == 1) continue;
     const uint64_t groups = plan->level_lanes[j - 1];
     for (uint64_t g = 0; g < groups; ++g)
       for (uint64_t s = 0; s < states; ++s)
-        average_items(rows, plan->n, g * states + s, g * count * states + s, states, count, true,
+        average_items(plan->lane_rows, plan->n, g * states + s, g * count * states + s, states, count, true,
                       plan->samples);
   }
 }
-
 // Computes the rows of every state of the innermost parent at once.
 void compute_block(batch_plan_t *plan, batch_program_t *program) {
   prepare_levels(plan);
@@ -361,19 +384,29 @@ void compute_block(batch_plan_t *plan, batch_program_t *program) {
   plan->block_active = 0;
   const uint64_t lanes = plan->level_lanes[plan->levels], total = plan->level_count[plan->levels];
   for (uint64_t s = 0; s < plan->block_states; ++s) program->block_ok[s] = 1;
-  for (uint64_t lane = 0; lane < lanes; ++lane) {
-    double *row = plan->lane_rows + 3 * plan->n * lane;
-    int code;
-    if (plan->probability) {
-      code = lane_row(plan, program, lane, row);
-    } else {
-      bool failed = false;
-      row[0] = row[1] = row[2] = value_at(plan, program, program->root, lane, &failed);
-      code = failed ? unusual : 0;
+  const int32_t root = program->root;
+  if (!plan->probability && program->code[root].level == plan->levels) {
+    // A utility whose value varies over every lane: its values are the rows.
+    if (plan->any_failed[root])
+      for (uint64_t lane = 0; lane < lanes; ++lane)
+        if (plan->failed[root * plan->lane_capacity + lane]) program->block_ok[plan->block_point_state[lane % total]] = 0;
+    average_block_values(plan, plan->registers + root * plan->lane_capacity);
+  } else {
+    for (uint64_t lane = 0; lane < lanes; ++lane) {
+      double *row = plan->lane_rows + 3 * plan->n * lane;
+      int code;
+      if (plan->probability) {
+        code = lane_row(plan, program, lane, row);
+      } else {
+        bool failed = false;
+        row[0] = row[1] = row[2] = value_at(plan, program, root, lane, &failed);
+        code = failed ? unusual : 0;
+      }
+      if (code != 0) program->block_ok[plan->block_point_state[lane % total]] = 0;
     }
-    if (code != 0) program->block_ok[plan->block_point_state[lane % total]] = 0;
+    average_block_level(plan);
   }
-  reduce_block(plan);
+  average_outer_levels(plan);
   const uint64_t width = 3 * plan->n;
   for (uint64_t x = 0; x < width * plan->block_states; ++x) program->block_rows[x] = plan->lane_rows[x];
   program->block_serial = plan->serial;
