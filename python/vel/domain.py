@@ -10,10 +10,11 @@ import numpy as np
 
 from . import _capi as c
 from . import _states
-from .errors import LoadError, check, last
+from .errors import LoadError, check, last, library_error
 from .node import CATEGORIES, Node
 
 EQUILIBRIA = {"sum": c.EQUILIBRIUM_SUM, "max": c.EQUILIBRIUM_MAX}
+NOT_COMPILED = 17
 MODES = {"inference": c.MODE_INFERENCE, "configured": c.MODE_CONFIGURED}
 
 
@@ -231,16 +232,17 @@ class Domain:
             self._inference_check(c.vel_domain_propagate(self._handle, EQUILIBRIA[equilibrium]))
 
     def _inference_check(self, code):
-        if code:
+        def failed_node():
             failed = c.vel_domain_get_failed_node(self._handle)
-            check(code, c.text(c.vel_node_get_name(failed)) if failed else None, explained=True)
+            return c.text(c.vel_node_get_name(failed)) if failed else None
+        check(code, failed_node, explained=True)
 
     def set_evidence(self, node, state):
         """Enters a state as evidence (see Node.state_index for how states
         are named); it takes effect at the next propagate()."""
         with self._lock:
             node = self.node(node)
-            check(c.vel_node_enter_evidence(node.pointer, node.state_index(state)), node.name)
+            check(c.vel_node_enter_evidence(node.pointer, node.state_index(state)), node)
 
     def set_likelihood(self, node, likelihood):
         """Enters one likelihood per state (finite, non-negative, not all 0)."""
@@ -248,7 +250,7 @@ class Domain:
             node = self.node(node)
             values = np.ascontiguousarray(likelihood, dtype=np.float64)
             check(c.vel_node_enter_likelihood(node.pointer, values.ctypes.data_as(ctypes.POINTER(ctypes.c_double)),
-                                              values.size), node.name)
+                                              values.size), node)
 
     def retract_evidence(self, node=None):
         """Retracts one node's evidence, or everyone's."""
@@ -257,24 +259,32 @@ class Domain:
                 check(c.vel_domain_retract_evidence(self._handle))
             else:
                 node = self.node(node)
-                check(c.vel_node_retract_evidence(node.pointer), node.name)
+                check(c.vel_node_retract_evidence(node.pointer), node)
+
+    def _require_results(self, node):
+        """Beliefs and expected utilities read as zeros before there are
+        results: refused as the library refuses other results."""
+        if not c.vel_domain_is_compiled(self._handle):
+            raise library_error(NOT_COMPILED, node.name)
 
     def beliefs(self, node):
         """The node's beliefs after propagation, one per state (max-marginals
         divided by their largest value after a max propagation)."""
         with self._lock:
             node = self.node(node)
+            self._require_results(node)
             values = [c.vel_node_get_belief(node.pointer, s) for s in range(_states.count(node.pointer))]
             if any(v < 0 for v in values):
-                raise last(node.name, explained=True)
+                raise last(node, explained=True)
             return np.array(values)
 
     def expected_utility(self, node):
         with self._lock:
             node = self.node(node)
+            self._require_results(node)
             value = c.vel_node_get_expected_utility(node.pointer, 0)
             if c.vel_error_code():
-                raise last(node.name, explained=True)
+                raise last(node, explained=True)
             return float(value)
 
     def probability_of_evidence(self):
@@ -302,7 +312,7 @@ class Domain:
                     continue
                 state = c.vel_node_get_most_probable_state(node.pointer)
                 if state < 0:
-                    raise last(node.name, explained=True)
+                    raise last(node, explained=True)
                 configuration[node.name] = node.states[state]
             return configuration
 
@@ -315,7 +325,7 @@ class Domain:
             node = self.node(node)
             result = ctypes.c_double()
             check(c.vel_node_compute_value(node.pointer, MODES[mode], ctypes.byref(result)),
-                  node.name, explained=True)
+                  node, explained=True)
             return result.value
 
     def set_configured(self, node, value):
@@ -324,9 +334,9 @@ class Domain:
         with self._lock:
             node = self.node(node)
             if node.type in ("continuous", "real"):
-                check(c.vel_node_set_configured_value(node.pointer, float(value)), node.name)
+                check(c.vel_node_set_configured_value(node.pointer, float(value)), node)
             else:
-                check(c.vel_node_set_configured_state(node.pointer, node.state_index(value)), node.name)
+                check(c.vel_node_set_configured_state(node.pointer, node.state_index(value)), node)
 
 
 def load(path, *, log=None):

@@ -71,12 +71,16 @@ def library_error(code, node=None, explained=False):
     """The exception for a failed call's code.  `explained`: the call is one
     that leaves its text in vel_error_message() (generation, parsing,
     compilation, propagation, function-node values, limits); for the others
-    the code's description is the message."""
+    the code's description is the message.  `node`: a Node, a name, or a
+    function giving one, read after the message, since every call resets
+    the thread's error state."""
     message = _capi.text(_capi.vel_error_message()) if explained else ""
     if not message:
         message = _capi.text(_capi.vel_error_description(code))
     family = _FAMILIES.get(code, GenerationError)
-    return family(code, _capi.text(_capi.vel_error_name(code)), node, message)
+    if callable(node):
+        node = node()
+    return family(code, _capi.text(_capi.vel_error_name(code)), getattr(node, "name", node), message)
 
 
 def check(code, node=None, explained=False):
@@ -86,5 +90,6 @@ def check(code, node=None, explained=False):
 
 
 def last(node=None, explained=False):
-    """The exception for the thread's last failed call."""
+    """The exception for the thread's last failed call; call it right after
+    that call (pass the Node, not node.name, which is a call too)."""
     return library_error(_capi.vel_error_code(), node, explained)

@@ -113,7 +113,7 @@ class Node:
     def add_parent(self, parent):
         with self.domain._lock:
             parent = self.domain.node(parent)
-            check(c.vel_node_add_parent(self.pointer, parent.pointer), self.name)
+            check(c.vel_node_add_parent(self.pointer, parent.pointer), self)
 
     # Models
 
@@ -153,14 +153,14 @@ class Node:
                     parsed.append(self._parse(text, i) if text is not None else None)
                 model = c.vel_node_new_model(pointer, c.make_node_list([n.pointer for n in model_nodes]))
                 if not model:
-                    raise last(self.name)
+                    raise last(self)
                 for i, expression in enumerate(parsed):
                     if expression:
-                        check(c.vel_model_set_expression(model, i, expression), self.name)
+                        check(c.vel_model_set_expression(model, i, expression), self)
                         parsed[i] = None  # the model owns it now
                 if samples_per_interval is not None:
                     check(c.vel_model_set_samples_per_interval(model, samples_per_interval),
-                          self.name, explained=True)
+                          self, explained=True)
             finally:
                 for expression in parsed:
                     if expression:
@@ -179,14 +179,14 @@ class Node:
 
     def delete_model(self):
         with self.domain._lock:
-            check(c.vel_node_delete_model(self.pointer), self.name)
+            check(c.vel_node_delete_model(self.pointer), self)
 
     # Tables
 
     def generate(self):
         """Generates the node's table from its model and returns it."""
         with self.domain._lock:
-            check(c.vel_node_generate_table(self.pointer), self.name, explained=True)
+            check(c.vel_node_generate_table(self.pointer), self, explained=True)
             return _table.read(self.pointer)
 
     @property
@@ -205,4 +205,4 @@ class Node:
         with self.domain._lock:
             entries = np.ascontiguousarray(np.asarray(values, dtype=np.float64).ravel())
             check(c.vel_node_set_table_data(self.pointer, entries.ctypes.data_as(ctypes.POINTER(ctypes.c_double)),
-                                            entries.size), self.name)
+                                            entries.size), self)
