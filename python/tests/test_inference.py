@@ -5,7 +5,7 @@ import pytest
 import yaml
 
 import vel
-from conftest import EXAMPLES, INFERENCE_MODELS, REPOSITORY, entries, ids, program_json
+from conftest import INFERENCE_MODELS, REPOSITORY, entries, program_json
 
 MAINTENANCE = REPOSITORY / "examples" / "maintenance.yaml"
 FUNCTION_PARENTS = REPOSITORY / "tests" / "golden" / "models" / "function_parents.yaml"

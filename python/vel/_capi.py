@@ -67,7 +67,6 @@ _DECLARATIONS = {
     "vel_expression_print": (c_size_t, [c_void_p, c_char_p, c_size_t]),
     "vel_expression_get_operator": (c_int, [c_void_p]),
     "vel_expression_get_argument": (c_void_p, [c_void_p, c_size_t]),
-    "vel_expression_get_number": (c_double, [c_void_p]),
     "vel_expression_get_node": (Node, [c_void_p]),
     "vel_operator_name": (c_char_p, [c_int]),
     # Tables
@@ -80,7 +79,6 @@ _DECLARATIONS = {
     # Inference
     "vel_domain_compile": (c_int, [Domain]),
     "vel_domain_propagate": (c_int, [Domain, c_int]),
-    "vel_domain_set_compiled": (c_int, [Domain, c_int]),
     "vel_node_enter_evidence": (c_int, [Node, c_size_t]),
     "vel_node_enter_likelihood": (c_int, [Node, POINTER(c_double), c_size_t]),
     "vel_node_retract_evidence": (c_int, [Node]),
@@ -123,8 +121,8 @@ if HAS_IO:
 
 
 # Operator codes by name ("Normal", "truncate", "if", "node", "number", ...).
-OPERATORS = {vel_operator_name(code).decode(): code
-             for code in range(60, 118) if vel_operator_name(code) is not None}
+_operator_name = globals()["vel_operator_name"]
+OPERATORS = {_operator_name(code).decode(): code for code in range(60, 118) if _operator_name(code) is not None}
 
 
 def node_list(pointer):

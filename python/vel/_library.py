@@ -60,5 +60,4 @@ def _load_io(directory):
 
 core, _directory = _load()
 io = _load_io(_directory)
-path = _directory
 libc = ctypes.CDLL("libc.so.6")

@@ -1,7 +1,6 @@
 """Domains: networks loaded from files or built node by node, their tables,
 and inference."""
 import ctypes
-import math
 import os
 import threading
 import weakref
@@ -96,6 +95,8 @@ class Domain:
         self.close()
 
     def __repr__(self):
+        if not self._finalizer.alive:
+            return f"<vel.Domain {self.name} (closed)>"
         return f"<vel.Domain {self.name}: {len(self)} nodes>"
 
     # Nodes
@@ -190,10 +191,10 @@ class Domain:
     # Tables
 
     def generate(self, node=None):
-        """Generates one node's table and returns it; without a node, every
-        node with a model that has a table (not real-valued function nodes),
-        in node order, returning {name: Table}.  Stops at the first failure,
-        raising it."""
+        """Generates one node's table (see Node.generate) and returns it;
+        without a node, every node with a model that has a table (not
+        real-valued function nodes), in node order, returning {name: Table}.
+        Stops at the first failure, raising it."""
         with self._lock:
             if node is not None:
                 return self.node(node).generate()

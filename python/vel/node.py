@@ -184,7 +184,9 @@ class Node:
     # Tables
 
     def generate(self):
-        """Generates the node's table from its model and returns it."""
+        """Generates the node's table from its model, unless it is up to date
+        (generated since the model or anything it reads last changed), and
+        returns it."""
         with self.domain._lock:
             check(c.vel_node_generate_table(self.pointer), self, explained=True)
             return _table.read(self.pointer)

@@ -13,14 +13,11 @@ import math
 
 import numpy as np
 
-from . import _states
 from .model_density import row_density
 
-# How much of an unbounded interval is drawn, relative to the widest
-# bounded one: enough to show its probability as an area.
-UNBOUNDED_HATCH = "//"
-ANNOTATED_CELLS = 200
-MAX_TICKS = 40
+UNBOUNDED_HATCH = "//"  # unbounded intervals, drawn over a finite stretch
+ANNOTATED_CELLS = 200  # heat maps up to this size have their entries written in
+MAX_TICKS = 40  # per axis of a heat map; larger tables label every k-th row
 
 
 def _axes(ax):
@@ -61,28 +58,40 @@ def _title(node, states):
     return f"{node.name} | {described}" if described else node.name
 
 
+def _drawn_span(low, high, shown):
+    """(start, width) of the stretch an interval is drawn over: itself when
+    bounded, else `shown` wide from its finite end (centred on 0 without one)."""
+    if math.isfinite(low) and math.isfinite(high):
+        return low, high - low
+    if math.isfinite(low):
+        return low, shown
+    if math.isfinite(high):
+        return high - shown, shown
+    return -shown / 2, shown
+
+
 def _interval_bars(ax, bounds, row):
-    widths = [high - low for low, high in zip(bounds[:-1], bounds[1:]) if math.isfinite(high - low) and high > low]
+    """Bars whose areas are the row's probabilities; returns the x range."""
+    intervals = list(zip(bounds[:-1], bounds[1:]))
+    widths = [high - low for low, high in intervals if math.isfinite(high - low) and high > low]
     finite = [b for b in bounds if math.isfinite(b)]
     shown = max(widths) if widths else max([1.0] + [abs(b) for b in finite])
-    tallest = max([p / w for p, w in zip(row, (high - low for low, high in zip(bounds[:-1], bounds[1:])))
-                   if math.isfinite(w) and w > 0] or [1.0 / shown])
-    for i, (low, high, p) in enumerate(zip(bounds[:-1], bounds[1:], row)):
+    tallest = max([p / (high - low) for (low, high), p in zip(intervals, row)
+                   if math.isfinite(high - low) and high > low] or [1.0 / shown])
+    for i, ((low, high), p) in enumerate(zip(intervals, row)):
         gid = f"state {i}"
         if low == high:  # a single point: a stem, with its probability written by it
-            ax.vlines(low, 0, tallest, colors="C0", linewidth=2, gid=gid)
+            ax.vlines(low, 0, tallest, colors="C1", linewidth=2, gid=gid)
+            ax.plot([low], [tallest], "o", color="C1")
             ax.annotate(f"P = {p:.3g}", (low, tallest), ha="center", va="bottom", fontsize=8)
             continue
-        if math.isfinite(low) and math.isfinite(high):
-            ax.bar(low, p / (high - low), width=high - low, align="edge", color="C0",
-                   edgecolor="white", gid=gid)
+        start, width = _drawn_span(low, high, shown)
+        if math.isfinite(high - low):
+            ax.bar(start, p / width, width=width, align="edge", color="C0", edgecolor="white", gid=gid)
             continue
-        start = (-shown / 2 if math.isinf(high) else 0.0) if math.isinf(low) else low
-        if math.isinf(low) and math.isfinite(high):
-            start = high - shown
-        ax.bar(start, p / shown, width=shown, align="edge", color="C0", alpha=0.5,
+        ax.bar(start, p / width, width=width, align="edge", color="C0", alpha=0.5,
                hatch=UNBOUNDED_HATCH, edgecolor="C0", gid=gid)
-        ax.annotate(f"P = {p:.3g}\n(unbounded)", (start + shown / 2, p / shown), ha="center",
+        ax.annotate(f"P = {p:.3g}\n(unbounded)", (start + width / 2, p / width), ha="center",
                     va="bottom", fontsize=8)
     ax.set_ylabel("probability density")
     left = min(finite, default=-shown / 2)

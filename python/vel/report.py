@@ -42,7 +42,7 @@ def _picture(domain, node):
     if not parents and table.kind != "utility":
         try:
             plot.distribution(domain, node, density=node.type == "interval", ax=ax)
-        except ValueError:
+        except (ValueError, Error):  # no density from this model: the bars alone
             ax.clear()
             plot.distribution(domain, node, ax=ax)
     else:

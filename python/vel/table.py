@@ -31,7 +31,7 @@ class Table:
     def shape(self):
         return self.values.shape
 
-    def __array__(self, dtype=None):
+    def __array__(self, dtype=None, copy=None):
         return self.values if dtype is None else self.values.astype(dtype)
 
     def __repr__(self):
