@@ -15,7 +15,10 @@ matplotlib.use("Agg")
 REPOSITORY = Path(__file__).resolve().parents[2]
 sys.path.insert(0, str(REPOSITORY / "python"))
 PROGRAM = os.environ.get("VEL_PROGRAM", str(REPOSITORY / "build" / "bin" / "vel"))
-GOLDEN_MODELS = sorted((REPOSITORY / "tests" / "golden" / "models").glob("*.yaml"))
+GOLDEN = REPOSITORY / "tests" / "golden" / "models"
+GOLDEN_MODELS = sorted(GOLDEN.glob("*.yaml"))
+WEATHER = REPOSITORY / "examples" / "weather.yaml"
+MAINTENANCE = REPOSITORY / "examples" / "maintenance.yaml"
 EXAMPLES = sorted((REPOSITORY / "examples").glob("*.yaml"))
 NETWORKS = sorted((REPOSITORY / "tests" / "data" / "networks").glob("*.bif"))
 INFERENCE_MODELS = sorted((REPOSITORY / "tests" / "inference" / "data").glob("*.yaml"))

@@ -5,10 +5,8 @@ import math
 import pytest
 
 import vel
-from conftest import REPOSITORY, program_json
+from conftest import GOLDEN, WEATHER, program_json
 
-GOLDEN = REPOSITORY / "tests" / "golden" / "models"
-WEATHER = REPOSITORY / "examples" / "weather.yaml"
 
 
 @pytest.mark.parametrize("model, family, code", [

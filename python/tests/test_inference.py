@@ -5,10 +5,9 @@ import pytest
 import yaml
 
 import vel
-from conftest import INFERENCE_MODELS, REPOSITORY, entries, program_json
+from conftest import GOLDEN, INFERENCE_MODELS, MAINTENANCE, REPOSITORY, entries, program_json
 
-MAINTENANCE = REPOSITORY / "examples" / "maintenance.yaml"
-FUNCTION_PARENTS = REPOSITORY / "tests" / "golden" / "models" / "function_parents.yaml"
+FUNCTION_PARENTS = GOLDEN / "function_parents.yaml"
 ASIA = REPOSITORY / "tests" / "inference" / "data" / "asia.yaml"
 
 

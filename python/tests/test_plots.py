@@ -11,11 +11,8 @@ from scipy import integrate
 import vel
 import vel.plot
 from vel.model_density import NoDensity, row_density
-from conftest import REPOSITORY
+from conftest import GOLDEN, MAINTENANCE, WEATHER
 
-GOLDEN = REPOSITORY / "tests" / "golden" / "models"
-WEATHER = REPOSITORY / "examples" / "weather.yaml"
-MAINTENANCE = REPOSITORY / "examples" / "maintenance.yaml"
 # Every continuous distribution, truncation, shapes below one, and
 # parameters read from sampled interval parents.
 DENSITY_MODELS = [GOLDEN / f"{name}.yaml" for name in
@@ -83,12 +80,6 @@ def test_interval_bars_stand_on_their_intervals_with_the_row_as_area():
         x, y = line.get_data()
         np.testing.assert_allclose(y, row_density(domain["Temp"], {"Season": 2})(x))
         assert ax.get_title() == "Temp | Season = summer"
-
-
-def test_a_given_density_is_drawn_as_it_is():
-    with vel.load(WEATHER) as domain:
-        ax = vel.plot.distribution(domain, "Temp", ["winter"], density=lambda x: np.full_like(x, 0.01))
-        assert set(next(line for line in ax.lines if line.get_gid() == "density").get_ydata()) == {0.01}
 
 
 @pytest.mark.parametrize("node, configuration, positions", [

@@ -9,10 +9,8 @@ import sys
 
 import pytest
 
-from conftest import REPOSITORY, program_json
+from conftest import GOLDEN, MAINTENANCE, REPOSITORY, program_json
 
-GOLDEN = REPOSITORY / "tests" / "golden" / "models"
-MAINTENANCE = REPOSITORY / "examples" / "maintenance.yaml"
 
 
 def report(path, output):
