@@ -1,6 +1,7 @@
 """python3 -m vel report: one self-contained page, one picture per generated
 table, shown by a headless browser."""
 import base64
+import html
 import os
 import re
 import shutil
@@ -9,14 +10,14 @@ import sys
 
 import pytest
 
-from conftest import GOLDEN, MAINTENANCE, REPOSITORY, program_json
+from conftest import GOLDEN, MAINTENANCE, REPOSITORY, RESULTS_HINT, program_json
 
 
 
-def report(path, output):
+def report(path, output, *options):
     environment = dict(os.environ, PYTHONPATH=str(REPOSITORY / "python"))
     environment.pop("DISPLAY", None)
-    return subprocess.run([sys.executable, "-m", "vel", "report", str(path), "-o", str(output)],
+    return subprocess.run([sys.executable, "-m", "vel", "report", str(path), "-o", str(output), *options],
                           capture_output=True, text=True, env=environment, check=False)
 
 
@@ -56,14 +57,17 @@ def test_chromium_shows_every_picture(tmp_path):
     assert int(shown.group(1)) == len(program_json("generate", MAINTENANCE)["tables"])
 
 
-def test_a_failed_table_is_reported_and_the_others_drawn(tmp_path):
+@pytest.mark.parametrize("model, options", [("fail_state_layout", []), ("fail_not_compiled", []),
+                                            ("fail_not_compiled", ["--propagate"])])
+def test_failed_tables_are_reported_and_the_others_drawn(tmp_path, model, options):
     output = tmp_path / "report.html"
-    done = report(GOLDEN / "fail_state_layout.yaml", output)
-    expected = program_json("generate", GOLDEN / "fail_state_layout.yaml")
-    assert done.returncode == 1
-    assert len(pictures(output.read_text())) == len(expected["tables"]) == 1
-    message = expected["error"]["message"].replace("'", "&#x27;")
-    assert message in output.read_text() and expected["error"]["message"] in done.stderr
+    done = report(GOLDEN / f"{model}.yaml", output, *options)
+    expected = program_json("generate", GOLDEN / f"{model}.yaml", *options)
+    assert len(pictures(output.read_text())) == len(expected["tables"])
+    assert done.returncode == (1 if expected["error"] else 0)
+    if expected["error"]:
+        message = expected["error"]["message"].removesuffix(RESULTS_HINT)
+        assert html.escape(message) in output.read_text() and message in done.stderr
 
 
 def test_a_file_that_cannot_be_loaded_writes_nothing(tmp_path):

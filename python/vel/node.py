@@ -57,15 +57,18 @@ class Node:
 
     @property
     def name(self):
-        return c.text(c.vel_node_get_name(self.pointer))
+        with self.domain._lock:
+            return c.text(c.vel_node_get_name(self.pointer))
 
     @property
     def category(self):
-        return _CATEGORY_NAMES.get(c.vel_node_get_category(self.pointer), "chance")
+        with self.domain._lock:
+            return _CATEGORY_NAMES.get(c.vel_node_get_category(self.pointer), "chance")
 
     @property
     def type(self):
-        return _states.type_name(self.pointer)
+        with self.domain._lock:
+            return _states.type_name(self.pointer)
 
     # States
 

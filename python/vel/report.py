@@ -60,13 +60,20 @@ def _model_text(node):
     return "\n".join(lines)
 
 
-def write(path, output):
+def write(path, output, propagate=False):
     """Loads the file at `path`, generates every table of a model in node
-    order, and writes the page to `output`.  A table that cannot be
-    generated is shown with its error, and the others still are.  Returns
+    order, and writes the page to `output`.  `propagate`: compile the domain
+    and propagate the file's evidence first, so that tables read results of
+    inference (a file that states results refuses it).  A table that cannot
+    be generated is shown with its error, and the others still are.  Returns
     (tables drawn, failures)."""
     escape = html.escape
     with Domain.load(path) as domain:
+        if propagate:
+            if domain.is_compiled:
+                raise ValueError(f"{path}: --propagate cannot be used with an inference block, "
+                                 "which states the results")
+            domain.compile()
         sections = []
         drawn = 0
         failures = []
