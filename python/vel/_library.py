@@ -60,4 +60,4 @@ def _load_io(directory):
 
 core, _directory = _load()
 io = _load_io(_directory)
-libc = ctypes.CDLL("libc.so.6")
+libc = ctypes.CDLL("libc.so.6", use_errno=True)
