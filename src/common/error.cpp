@@ -3,7 +3,7 @@
 #include <string>
 
 extern "C" {
-constinit thread_local int _vel_error_code = 0;
+constinit thread_local int _vel_error_code [[gnu::tls_model("initial-exec")]] = 0;
 }
 
 namespace {

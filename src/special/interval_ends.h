@@ -14,19 +14,22 @@
 // A few ends, found again by the exact bits of their point.  The first two
 // ends stored stay (a row's normaliser asks first, for the truncation
 // bounds, which the first and last states may reach); later ones take turns
-// in the other slots, enough for the two ends of the state at hand.
+// in the other slots.  Only the end stored last (where a row's next state
+// starts) and the two pinned ones are looked for: an end made again gives
+// the same bits, so a miss costs time, never a difference.
 template <typename End>
 class EndCache {
  public:
-  // The end at `point`, made by make(end) when it is not stored yet.
+  // The end at `point`, made by make(end) when it is not found.
   template <typename Make>
   End &at(double point, Make make) {
     uint64_t bits;
     std::memcpy(&bits, &point, sizeof bits);
-    // The end stored last is the one a row's next state starts from.
-    if (used_ > 0 && slots_[last_].bits == bits) return slots_[last_].end;
-    for (unsigned i = 0; i < used_; ++i)
-      if (slots_[i].bits == bits) return slots_[i].end;
+    if (used_ > 0) {
+      if (slots_[last_].bits == bits) return slots_[last_].end;
+      if (slots_[0].bits == bits) return slots_[0].end;
+      if (used_ > 1 && slots_[1].bits == bits) return slots_[1].end;
+    }
     last_ = used_ < size ? used_++ : pinned + (turn_++ % (size - pinned));
     slots_[last_].bits = bits;
     make(slots_[last_].end);
@@ -34,7 +37,7 @@ class EndCache {
   }
 
  private:
-  static constexpr unsigned size = 5;
+  static constexpr unsigned size = 4;
   static constexpr unsigned pinned = 2;
   struct Slot {
     uint64_t bits;
