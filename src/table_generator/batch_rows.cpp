@@ -328,38 +328,77 @@ void average_items(double *rows, uint64_t n, uint64_t to, uint64_t first, uint64
     for (uint64_t x = 0; x < n; ++x) mean[x] /= static_cast<double>(samples);
 }
 
-// The innermost averages of the block, from the lanes' rows: state s of
-// prefix p (the lanes of the levels outside) at item p * states + s.
-void average_block_level(batch_plan_t *plan) {
-  const uint64_t states = plan->block_states, total = plan->level_count[plan->levels];
-  const uint64_t prefixes = plan->level_lanes[plan->levels - 1];
-  for (uint64_t p = 0; p < prefixes; ++p)
-    for (uint64_t s = 0; s < states; ++s)
-      average_items(plan->lane_rows, plan->n, p * states + s, p * total + plan->block_offset[s], 1,
-                    plan->block_offset[s + 1] - plan->block_offset[s],
-                    plan->block_sampling[s] == sampling_averaged, plan->samples);
-}
-// The same averages of a utility, whose lanes' rows are its values alone:
-// read where they are, folded as fold_sample folds them.
-void average_block_values(batch_plan_t *plan, const double *values) {
-  const uint64_t states = plan->block_states, total = plan->level_count[plan->levels];
+// The innermost averages of the block: the mean, minimum and maximum over
+// each state's points of the lanes' values (value j of lane l at
+// values[l * stride + j]; one lane's minimum and maximum are its value),
+// folded in fold_sample's order.  State s of prefix p (the lanes of the
+// levels outside) goes to item p * states + s of the lane rows, which may
+// hold the values themselves: an item is written after its lanes are read,
+// over no lane still to be read.
+void average_block_points(batch_plan_t *plan, const double *values, uint64_t stride) {
+  const uint64_t n = plan->n, states = plan->block_states, total = plan->level_count[plan->levels];
   const uint64_t prefixes = plan->level_lanes[plan->levels - 1];
   for (uint64_t p = 0; p < prefixes; ++p)
     for (uint64_t s = 0; s < states; ++s) {
-      const double *v = values + p * total + plan->block_offset[s];
+      const double *first = values + (p * total + plan->block_offset[s]) * stride;
       const uint64_t count = plan->block_offset[s + 1] - plan->block_offset[s];
-      double mean = v[0], low = v[0], high = v[0];
-      for (uint64_t i = 1; i < count; ++i) {
-        mean += v[i];
-        if (v[i] < low) low = v[i];
-        if (high < v[i]) high = v[i];
+      const bool averaged = plan->block_sampling[s] == sampling_averaged;
+      double *row = plan->lane_rows + 3 * n * (p * states + s);
+      for (uint64_t j = 0; j < n; ++j) {
+        double mean = first[j], low = mean, high = mean;
+        for (uint64_t i = 1; i < count; ++i) {
+          const double v = first[i * stride + j];
+          mean += v;
+          if (v < low) low = v;
+          if (high < v) high = v;
+        }
+        if (averaged) mean /= static_cast<double>(plan->samples);
+        row[j] = mean;
+        row[n + j] = low;
+        row[2 * n + j] = high;
       }
-      if (plan->block_sampling[s] == sampling_averaged) mean /= static_cast<double>(plan->samples);
-      double *row = plan->lane_rows + 3 * (p * states + s);
-      row[0] = mean;
-      row[1] = low;
-      row[2] = high;
     }
+}
+// The weights of every lane of a model whose expression is
+// Distribution(w1, ..., wn) itself, gathered argument by argument and made
+// probabilities as explicit_distribution makes them (summed in argument
+// order, each divided by the sum).  A lane with a failed, negative or
+// all-zero weight leaves its state to the scalar path, which reports it.
+// Writes each lane's mean row only; false: not such a model.
+bool distribution_lanes(batch_plan_t *plan, batch_program_t *program, uint64_t lanes) {
+  const batch_shape_t &shape = program->shapes[program->root];
+  const uint64_t n = plan->n, width = 3 * n, total = plan->level_count[plan->levels];
+  if (shape.kind != shape_builder || shape.expression->operator_ != vel_op_Distribution ||
+      shape.argument_count != n)
+    return false;
+  double *rows = plan->lane_rows;
+  for (uint32_t a = 0; a < n; ++a) {
+    const int32_t i = program->arguments[shape.arguments + a];
+    const uint32_t level = program->code[i].level;
+    const uint64_t spread = level == 0 ? lanes : plan->level_spread[level * (plan->levels + 1) + plan->levels];
+    const double *value = plan->registers + i * plan->lane_capacity;
+    const uint8_t *failed = plan->any_failed[i] ? plan->failed + i * plan->lane_capacity : nullptr;
+    for (uint64_t at = 0, lane = 0; lane < lanes; ++at)
+      for (const uint64_t end = lane + spread; lane < end; ++lane) {
+        rows[lane * width + a] = value[at];
+        if (failed && failed[at]) program->block_ok[plan->block_point_state[lane % total]] = 0;
+      }
+  }
+  for (uint64_t lane = 0; lane < lanes; ++lane) {
+    double *w = rows + lane * width;
+    double sum = 0.0;
+    bool negative = false;
+    for (uint64_t j = 0; j < n; ++j) {
+      negative |= w[j] < 0.0;
+      sum += w[j];
+    }
+    if (negative || sum == 0.0) {
+      program->block_ok[plan->block_point_state[lane % total]] = 0;
+      continue;
+    }
+    for (uint64_t j = 0; j < n; ++j) w[j] /= sum;
+  }
+  return true;
 }
 // Every state's row of the block, its innermost averages made: averaged over
 // the levels outside it.  Leaves state s's row at item s.
@@ -390,21 +429,23 @@ void compute_block(batch_plan_t *plan, batch_program_t *program) {
     if (plan->any_failed[root])
       for (uint64_t lane = 0; lane < lanes; ++lane)
         if (plan->failed[root * plan->lane_capacity + lane]) program->block_ok[plan->block_point_state[lane % total]] = 0;
-    average_block_values(plan, plan->registers + root * plan->lane_capacity);
+    average_block_points(plan, plan->registers + root * plan->lane_capacity, 1);
   } else {
-    for (uint64_t lane = 0; lane < lanes; ++lane) {
-      double *row = plan->lane_rows + 3 * plan->n * lane;
-      int code;
-      if (plan->probability) {
-        code = lane_row(plan, program, lane, row);
-      } else {
-        bool failed = false;
-        row[0] = row[1] = row[2] = value_at(plan, program, root, lane, &failed);
-        code = failed ? unusual : 0;
+    if (!plan->probability || !distribution_lanes(plan, program, lanes)) {
+      for (uint64_t lane = 0; lane < lanes; ++lane) {
+        double *row = plan->lane_rows + 3 * plan->n * lane;
+        int code;
+        if (plan->probability) {
+          code = lane_row(plan, program, lane, row);
+        } else {
+          bool failed = false;
+          row[0] = value_at(plan, program, root, lane, &failed);
+          code = failed ? unusual : 0;
+        }
+        if (code != 0) program->block_ok[plan->block_point_state[lane % total]] = 0;
       }
-      if (code != 0) program->block_ok[plan->block_point_state[lane % total]] = 0;
     }
-    average_block_level(plan);
+    average_block_points(plan, plan->lane_rows, 3 * plan->n);
   }
   average_outer_levels(plan);
   const uint64_t width = 3 * plan->n;
