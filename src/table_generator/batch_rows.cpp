@@ -378,11 +378,15 @@ bool distribution_lanes(batch_plan_t *plan, batch_program_t *program, uint64_t l
     const uint64_t spread = level == 0 ? lanes : plan->level_spread[level * (plan->levels + 1) + plan->levels];
     const double *value = plan->registers + i * plan->lane_capacity;
     const uint8_t *failed = plan->any_failed[i] ? plan->failed + i * plan->lane_capacity : nullptr;
-    for (uint64_t at = 0, lane = 0; lane < lanes; ++at)
-      for (const uint64_t end = lane + spread; lane < end; ++lane) {
-        rows[lane * width + a] = value[at];
-        if (failed && failed[at]) program->block_ok[plan->block_point_state[lane % total]] = 0;
-      }
+    if (spread == 1) {
+      for (uint64_t lane = 0; lane < lanes; ++lane) rows[lane * width + a] = value[lane];
+    } else {
+      for (uint64_t at = 0, lane = 0; lane < lanes; ++at)
+        for (const uint64_t end = lane + spread; lane < end; ++lane) rows[lane * width + a] = value[at];
+    }
+    if (failed)
+      for (uint64_t lane = 0; lane < lanes; ++lane)
+        if (failed[lane / spread]) program->block_ok[plan->block_point_state[lane % total]] = 0;
   }
   for (uint64_t lane = 0; lane < lanes; ++lane) {
     double *w = rows + lane * width;
