@@ -72,6 +72,23 @@ TEST_F(AllocationTest, OnlyTheWorkingDataPerGeneration) {
     parents(u, ps);
     model(u, {}, {"max(1, 2)"});
     expect_generation_allocates(u, 1);
+
+    // Interval parents: rows computed in batches over sample points, the
+    // compiled programs and their lanes in the same working data.
+    std::vector<double> bounds;
+    for (size_t i = 0; i <= states; ++i) bounds.push_back(static_cast<double>(i));
+    vel_node_t *i1 = interval((prefix + "I").c_str(), bounds), *i2 = interval((prefix + "J").c_str(), bounds);
+    vel_node_t *y = labeled((prefix + "Y").c_str(), {"a", "b", "c"});
+    parents(y, {ps[0], i1, i2});
+    const std::string i = prefix + "I", j = prefix + "J";
+    const std::string weights = "Distribution(exp(-" + i + "), 1 + " + j + " / 2, " + i + " * " + j + ")";
+    model(y, {ps[0]}, std::vector<const char *>(states, weights.c_str()));
+    expect_generation_allocates(y, 2);
+    vel_node_t *v = utility((prefix + "V").c_str());
+    parents(v, {i1, ps[1], i2});
+    const std::string value = "if(" + i + " > " + j + ", sqrt(" + i + ") * " + j + ", -exp(" + j + " - " + i + "))";
+    model(v, {}, {value.c_str()});
+    expect_generation_allocates(v, 1);
   }
 }
 
