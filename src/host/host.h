@@ -24,6 +24,11 @@ int _vel_is_wellformed_numbered_node(const vel_node_t *node);
 
 // Results of inference.
 double _vel_node_get_variance(const vel_node_t *node, int reserved);
+// 0 when the node's beliefs may be read as probabilities (the domain
+// compiled, a sum propagation, no evidence entered since unless the mode
+// keeps it); otherwise sets and returns vel_error_not_compiled,
+// vel_error_not_propagated or vel_error_computation.
+int _vel_node_check_inference_results(const vel_node_t *node);
 
 // Models and lists.
 int _vel_node_appears_in_model(const vel_model_t *model, const vel_node_t *node);

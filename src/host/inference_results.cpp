@@ -29,6 +29,16 @@ bool is_utility(const vel_node_t *node) { return node->category == vel_category_
 
 }  // namespace
 
+extern "C" int _vel_node_check_inference_results(const vel_node_t *node) {
+  if (!node->domain->is_compiled) return vel::fail(vel_error_not_compiled);
+  const vel_junction_tree_t *jt = node->junction_tree;
+  if (jt == nullptr || jt->equilibrium == vel_equilibrium_none) return vel::fail(vel_error_not_propagated);
+  if (jt->equilibrium == vel_equilibrium_sum &&
+      (jt->evidence_mode == vel_evidence_mode_normal || jt->evidence_pending == 0))
+    return 0;
+  return vel::fail(vel_error_computation);
+}
+
 namespace vel::host {
 
 bool belief_moments(const vel_node_t *node, double *mean, double *variance) {

@@ -5,6 +5,7 @@
 #include <cmath>
 
 #include "host/api_guard_internal.h"
+#include "host/host.h"
 #include "host/storage_internal.h"
 
 using vel::host::usage;
@@ -57,12 +58,7 @@ extern "C" double vel_node_get_quantile(const vel_node_t *node, double p) {
     usage("vel_node_get_quantile: the probability must lie in [0, 1]");
     return failed;
   }
-  if (!node->domain->is_compiled) return fail_with(vel_error_not_compiled);
-  const vel_junction_tree_t *jt = node->junction_tree;
-  if (jt->equilibrium == vel_equilibrium_none) return fail_with(vel_error_not_propagated);
-  if (jt->equilibrium != vel_equilibrium_sum ||
-      (jt->evidence_mode != vel_evidence_mode_normal && jt->evidence_pending != 0))
-    return fail_with(vel_error_computation);
+  if (_vel_node_check_inference_results(node)) return failed;
 
   const float *beliefs = node->belief_table->data;
   uint64_t n = node->state_count;

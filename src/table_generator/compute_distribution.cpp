@@ -6,6 +6,7 @@
 
 #include "common/error.h"
 #include "host/host.h"
+#include "table_generator/report_fault.h"
 #include "table_generator/sampler.h"
 #include "table_generator/table_generator.h"
 
@@ -26,23 +27,14 @@ int unbounded_interval_point(double lo, double hi, double *point) {
 
 namespace {
 
-// The same row in rows 0, 1 and 2 of the block.
+// The row of means, as computed at one point, made its own minimum and maximum.
 void copy_to_bounds(double *result, uint64_t n) {
-  for (uint64_t i = 0; i < n; ++i) result[n + i] = result[2 * n + i] = result[i];
+  for (uint64_t i = 0; i < n; ++i) set_entry(result, n, i, result[i]);
 }
 
-
-// The fault's code, or vel_error_io when its message could not be written.
-int logged(int written, int code) { return vel::fail(written < 0 ? vel_error_io : code); }
-
-FILE *log_of(const vel_node_t *node) { return node->domain->log_file; }
-
 int fail_unsupported_truncation(const vel_node_t *node, uint32_t op) {
-  FILE *log = log_of(node);
-  if (log == nullptr) return vel::fail(vel_error_invalid_expression);
-  return logged(fprintf(log, "Truncation is not supported for the %s distribution\n",
-                        operator_names[op - vel_op_Normal]),
-                vel_error_invalid_expression);
+  return report_fault(node, vel_error_invalid_expression, "Truncation is not supported for the %s distribution\n",
+                      operator_names[op - vel_op_Normal]);
 }
 
 }  // namespace
@@ -56,25 +48,18 @@ int place_state(double *result, uint64_t n, uint64_t state) {
 int place_label(vel_node_t *node, double *result, uint64_t n, const char *label) {
   int64_t state = _vel_node_get_state_index(node, label);
   if (state >= 0) return place_state(result, n, static_cast<uint64_t>(state));
-  FILE *log = log_of(node);
-  if (log == nullptr) return vel::fail(vel_error_invalid_expression);
-  const char *name = vel_node_get_name(node);
-  if (name == nullptr) return _vel_error_code;
-  return logged(fprintf(log, "Node %s does not have a (unique) state labeled `%s'\n", name, label),
-                vel_error_invalid_expression);
+  return report_fault(node, vel_error_invalid_expression, "Node %s does not have a (unique) state labeled `%s'\n",
+                      node->name, label);
 }
 
 int place_value(vel_node_t *node, double *result, uint64_t n, double value) {
   int64_t state = _vel_node_state_value_to_state_index(node, value);
   if (state >= 0) return place_state(result, n, static_cast<uint64_t>(state));
-  FILE *log = log_of(node);
-  if (log == nullptr) return vel::fail(vel_error_invalid_expression);
-  const char *name = vel_node_get_name(node);
-  if (name == nullptr) return _vel_error_code;
-  const char *format = node->subtype == vel_subtype_numbered
-                           ? "Node %s does not have a state with value %g\n"
-                           : "Value for node %s is out of bounds: %g\n";
-  return logged(fprintf(log, format, name, value), vel_error_invalid_expression);
+  if (node->subtype == vel_subtype_numbered)
+    return report_fault(node, vel_error_invalid_expression, "Node %s does not have a state with value %g\n",
+                        node->name, value);
+  return report_fault(node, vel_error_invalid_expression, "Value for node %s is out of bounds: %g\n", node->name,
+                      value);
 }
 
 namespace {
@@ -82,29 +67,22 @@ namespace {
 int explicit_distribution(const builder_arguments_t &distribution, vel_node_t *node,
                           double *result, uint64_t n, int truncated) {
   if (truncated) return fail_unsupported_truncation(node, vel_op_Distribution);
-  FILE *log = log_of(node);
   if (_vel_expr_list_length(distribution.distribution->arguments) != n) {
-    if (log == nullptr) return vel::fail(vel_error_invalid_expression);
-    return logged(fputs("The number of arguments of a Distribution expression must match the "
-                        "number of states\n", log),
-                  vel_error_invalid_expression);
+    return report_fault(node, vel_error_invalid_expression,
+                        "The number of arguments of a Distribution expression must match the number of states\n");
   }
   double sum = 0.0;
   for (uint64_t i = 0; i < n; ++i) {
     if (argument_number(distribution, i, &result[i]) != 0) return _vel_error_code;
     if (result[i] < 0.0) {
-      if (log == nullptr) return vel::fail(vel_error_invalid_argument);
-      return logged(fprintf(log, "Negative value in Distribution expression (state %s)\n",
-                            _vel_print_size(node->domain, i)),
-                    vel_error_invalid_argument);
+      return report_fault(node, vel_error_invalid_argument, "Negative value in Distribution expression (state %s)\n",
+                          _vel_print_size(node->domain, i));
     }
     sum += result[i];
   }
   if (sum == 0.0) {
-    if (log == nullptr) return vel::fail(vel_error_invalid_argument);
-    return logged(fputs("At least one argument of a Distribution expression must be positive\n",
-                        log),
-                  vel_error_invalid_argument);
+    return report_fault(node, vel_error_invalid_argument,
+                        "At least one argument of a Distribution expression must be positive\n");
   }
   for (uint64_t i = 0; i < n; ++i) result[i] /= sum;
   copy_to_bounds(result, n);
@@ -116,10 +94,8 @@ int noisy_or(const builder_arguments_t &distribution, vel_node_t *node, double *
              uint64_t n, int truncated) {
   if (truncated) return fail_unsupported_truncation(node, vel_op_NoisyOR);
   if (node->subtype != vel_subtype_boolean) {
-    FILE *log = log_of(node);
-    if (log == nullptr) return vel::fail(vel_error_invalid_expression);
-    return logged(fputs("A NoisyOR distribution can only be applied to boolean nodes\n", log),
-                  vel_error_invalid_expression);
+    return report_fault(node, vel_error_invalid_expression,
+                        "A NoisyOR distribution can only be applied to boolean nodes\n");
   }
   double p = 1.0;
   for (size_t i = 0; distribution.distribution->arguments[i] != nullptr; i += 2) {
@@ -143,52 +119,30 @@ int uniform_over_states(vel_node_t *node, double *result, uint64_t n, int trunca
   return vel::fail(vel_error_none);
 }
 
-int fail_aggregate_node(const vel_node_t *node, const vel_node_t *named, const char *format) {
-  FILE *log = log_of(node);
-  if (log == nullptr) return vel::fail(vel_error_invalid_expression);
-  const char *name = vel_node_get_name(named);
-  if (name == nullptr) return _vel_error_code;
-  return logged(fprintf(log, format, name), vel_error_invalid_expression);
-}
-
-// The count and item nodes' beliefs must come from a sum propagation.
-int check_propagated(const vel_node_t *node) {
-  const vel_junction_tree_t *jt = node->junction_tree;
-  if (jt == nullptr || jt->equilibrium == vel_equilibrium_none) {
-    return vel::fail(vel_error_not_propagated);
-  }
-  if (jt->equilibrium == vel_equilibrium_sum &&
-      (jt->evidence_mode == vel_evidence_mode_normal || jt->evidence_pending == 0)) {
-    return 0;
-  }
-  return vel::fail(vel_error_computation);
-}
-
 int aggregate(const vel_expression_t *distribution, vel_node_t *node, double *result,
               uint64_t n, int truncated) {
   if (truncated) return fail_unsupported_truncation(node, vel_op_aggregate);
   if (node->category != vel_category_function || node->subtype != vel_subtype_interval) {
-    FILE *log = log_of(node);
-    if (log == nullptr) return vel::fail(vel_error_invalid_expression);
-    return logged(fputs("Aggregate distributions are only valid for interval discrete "
-                        "function nodes\n", log),
-                  vel_error_invalid_expression);
+    return report_fault(node, vel_error_invalid_expression,
+                        "Aggregate distributions are only valid for interval discrete function nodes\n");
   }
   const vel_node_t *count = distribution->arguments[0]->node;
   const vel_node_t *item = distribution->arguments[1]->node;
   if (count->subtype != vel_subtype_numbered) {
-    return fail_aggregate_node(node, count, "Aggregate distribution: `%s' must be a numbered node.\n");
+    return report_fault(node, vel_error_invalid_expression, "Aggregate distribution: `%s' must be a numbered node.\n",
+                        count->name);
   }
   if (item->subtype != vel_subtype_interval) {
-    return fail_aggregate_node(node, item, "Aggregate distribution: `%s' must be an interval node.\n");
+    return report_fault(node, vel_error_invalid_expression, "Aggregate distribution: `%s' must be an interval node.\n",
+                        item->name);
   }
   if (!_vel_is_wellformed_interval_node(node) || !_vel_is_wellformed_interval_node(item) ||
       !_vel_is_wellformed_numbered_node(count)) {
     return vel::fail(vel_error_invalid_state_values);
   }
-  if (node->domain->is_compiled == 0) return vel::fail(vel_error_not_compiled);
-  if (int code = check_propagated(count)) return code;
-  if (int code = check_propagated(item)) return code;
+  // The count and item nodes' beliefs must come from a sum propagation.
+  if (int code = _vel_node_check_inference_results(count)) return code;
+  if (int code = _vel_node_check_inference_results(item)) return code;
   if (count->belief_table == nullptr) return vel::fail(vel_error_computation);
   if (_vel_aggregate(node, count->belief_table->data, count->state_count, item, result) != 0) {
     return _vel_error_code;

@@ -7,7 +7,7 @@
 #include "special/interval_ends.h"
 #include "special/special.h"
 #include "table_generator/continuous_law.h"
-#include "table_generator/distribution_log.h"
+#include "table_generator/report_fault.h"
 #include "table_generator/table_generator.h"
 
 int check_state_range(double lower, double upper, vel_node_t *node, uint64_t n, uint32_t op,
@@ -19,10 +19,6 @@ int check_state_range(double lower, double upper, vel_node_t *node, uint64_t n, 
   }
   const double *v = node->state_values;
   if (v[0] <= lower && upper <= v[n]) return 0;
-  FILE *log = distribution_log(node);
-  if (log == nullptr) return vel::fail(vel_error_state_range);
-  const char *name = vel_node_get_name(node);
-  if (name == nullptr) return _vel_error_code;
   // "[%g, %g]" takes at most 2 * 13 + 4 characters.
   char range[64];
   int length = lower <= -DBL_MAX ? snprintf(range, sizeof range, "(-inf, ")
@@ -32,11 +28,8 @@ int check_state_range(double lower, double upper, vel_node_t *node, uint64_t n, 
   } else {
     snprintf(range + length, sizeof range - length, "%g]", upper);
   }
-  if (fprintf(log, "Node %s: State range must include %s", name, range) < 0 ||
-      fprintf(log, " for %s%s distribution\n", truncated ? "truncated " : "", name_of_op) < 0) {
-    return vel::fail(vel_error_io);
-  }
-  return vel::fail(vel_error_state_range);
+  return report_fault(node, vel_error_state_range, "Node %s: State range must include %s for %s%s distribution\n",
+                      node->name, range, truncated ? "truncated " : "", name_of_op);
 }
 
 namespace {
@@ -86,15 +79,9 @@ int with_interval_function(const continuous_law_t &law, Visit visit) {
 // The Gamma interval function fails where the incomplete gamma ratio cannot
 // reach its accuracy; its code survives the message.
 int fail_gamma(const vel_node_t *node, const continuous_law_t &law) {
-  const int code = _vel_error_code;
-  FILE *log = distribution_log(node);
-  if (log != nullptr &&
-      fprintf(log,
-              "Computation failed for gamma distribution with parameters: shape = %g, scale = %g\n",
-              law.p[0], law.p[1]) < 0) {
-    return vel::fail(vel_error_io);
-  }
-  return vel::fail(code);
+  return report_fault(node, _vel_error_code,
+                      "Computation failed for gamma distribution with parameters: shape = %g, scale = %g\n",
+                      law.p[0], law.p[1]);
 }
 
 // The mass of every state within the truncation bounds, over the mass of
@@ -115,7 +102,7 @@ int discretise(Mass mass, const continuous_law_t &law, vel_node_t *node, double 
   for (uint64_t i = 0; i < n; ++i) {
     const double p = mass(dmax(lower, v[i]), dmin(upper, v[i + 1])) / z;
     if (gamma && p < 0) return fail_gamma(node, law);
-    result[i] = result[n + i] = result[2 * n + i] = p;
+    set_entry(result, n, i, p);
   }
   return 0;
 }

@@ -4,7 +4,7 @@
 
 #include "common/error.h"
 #include "table_generator/continuous_law.h"
-#include "table_generator/distribution_log.h"
+#include "table_generator/report_fault.h"
 #include "table_generator/table_generator.h"
 
 namespace {

@@ -8,7 +8,7 @@
 #include "special/special.h"
 #include "table_generator/binomial.h"
 #include "table_generator/builder_arguments.h"
-#include "table_generator/distribution_log.h"
+#include "table_generator/report_fault.h"
 #include "table_generator/table_generator.h"
 
 namespace {
@@ -69,10 +69,6 @@ double count_mass(const discrete_law_t *law, double x1, double x2, RatioEnds &en
   }
 }
 
-void put(double *result, uint64_t n, uint64_t i, double mass) {
-  result[i] = result[n + i] = result[2 * n + i] = mass;
-}
-
 bool states_are_counts(const vel_node_t *node, uint64_t n) {
   for (uint64_t i = 0; i < n; ++i) {
     if (node->state_values[i] != static_cast<double>(i)) return false;
@@ -90,17 +86,17 @@ int on_numbered(const discrete_law_t *law, double *result, uint64_t n) {
     for (uint64_t k = 0; k < n; ++k) {
       const double mass = Binomial(law->first, law->p, k);
       if (mass < 0) return _vel_error_code;
-      put(result, n, k, mass);
+      set_entry(result, n, k, mass);
     }
     return 0;
   }
   if (law->op == vel_op_Geometric) {
     double w = 1.0;
     for (uint64_t k = 0; k < last; ++k) {
-      put(result, n, k, law->p * w);
+      set_entry(result, n, k, law->p * w);
       w *= law->q;
     }
-    put(result, n, last, w);
+    set_entry(result, n, last, w);
     return 0;
   }
   const bool poisson = law->op == vel_op_Poisson;
@@ -109,12 +105,12 @@ int on_numbered(const discrete_law_t *law, double *result, uint64_t n) {
   for (uint64_t k = 0; k < last; ++k) {
     const double kk = static_cast<double>(k);
     if (k > 0) mass = poisson ? mass * r / kk : mass * law->q * (kk - 1 + r) / kk;
-    put(result, n, k, mass);
+    set_entry(result, n, k, mass);
   }
   RatioEnds ends;
   const double tail = count_mass(law, static_cast<double>(last), DBL_MAX, ends);
   if (tail < 0) return _vel_error_code;
-  put(result, n, last, tail);
+  set_entry(result, n, last, tail);
   return 0;
 }
 
@@ -142,12 +138,12 @@ int on_interval(const discrete_law_t *law, const vel_node_t *node, double *resul
       x = v[i + 1];
     }
     if (mass < 0) return _vel_error_code;
-    put(result, n, i, mass);
+    set_entry(result, n, i, mass);
   }
   if (binomial) {
     const double tail = count_mass(law, x, DBL_MAX, ends);
     if (tail < 0) return _vel_error_code;
-    put(result, n, n - 1, tail);
+    set_entry(result, n, n - 1, tail);
   }
   return 0;
 }

@@ -63,18 +63,6 @@ int quantile(const vel_expression_t *e, double *result) {
   return _vel_error_code;
 }
 
-// Whether the junction tree holds results that probability may read.
-int check_inference_state(const vel_node_t *node) {
-  if (!node->domain->is_compiled) return vel::fail(vel_error_not_compiled);
-  const vel_junction_tree_t *jt = node->junction_tree;
-  if (!jt || jt->equilibrium == vel_equilibrium_none)
-    return vel::fail(vel_error_not_propagated);
-  if (jt->equilibrium == vel_equilibrium_sum &&
-      (jt->evidence_mode == vel_evidence_mode_normal || jt->evidence_pending == 0))
-    return 0;
-  return vel::fail(vel_error_computation);
-}
-
 // Sum of the beliefs of the states in which the condition holds; 0.0 for a
 // node without states.  The node's state_index and value are borrowed for
 // the sweep and always given back.
@@ -109,7 +97,7 @@ int probability(const vel_expression_t *e, double *result) {
   if (!node) return vel::fail(vel_error_invalid_expression);
   if (node->subtype == vel_subtype_interval && value_is_used(node, condition))
     return vel::fail(vel_error_invalid_expression);
-  if (check_inference_state(node)) return _vel_error_code;
+  if (_vel_node_check_inference_results(node)) return _vel_error_code;
   if (node->state_index >= 0) {
     const int holds = eval_boolean_expr(condition);
     if (holds < 0) return _vel_error_code;

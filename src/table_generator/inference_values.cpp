@@ -46,15 +46,7 @@ double expected_state_value(const vel_node_t *node) {
 }
 
 int compute_discrete_value(vel_node_t *node) {
-  if (node->domain->is_compiled == 0) return vel::fail(vel_error_not_compiled);
-  const vel_junction_tree_t *jt = node->junction_tree;
-  if (jt == nullptr || jt->equilibrium == vel_equilibrium_none) {
-    return vel::fail(vel_error_not_propagated);
-  }
-  if (jt->equilibrium != vel_equilibrium_sum ||
-      (jt->evidence_mode != vel_evidence_mode_normal && jt->evidence_pending != 0)) {
-    return vel::fail(vel_error_computation);
-  }
+  if (int code = _vel_node_check_inference_results(node)) return code;
   node->state_index = get_inferred_state(node);
   if (node->subtype == vel_subtype_numbered) {
     node->value = node->state_index >= 0 ? _vel_node_get_state_value(node, node->state_index)

@@ -4,6 +4,7 @@
 
 #include "common/error.h"
 #include "host/host.h"
+#include "table_generator/report_fault.h"
 #include "table_generator/table_generator.h"
 
 int state_values_verdict(const vel_node_t *node) {
@@ -23,12 +24,6 @@ const char *state_values_word(int verdict) {
 extern "C" int _vel_check_state_values(vel_node_t *node) {
   int verdict = state_values_verdict(node);
   if (verdict == 0) return 0;
-  FILE *log = node->domain->log_file;
-  if (log == nullptr) return vel::fail(vel_error_invalid_state_values);
-  const char *name = vel_node_get_name(node);
-  if (name == nullptr) return _vel_error_code;
-  if (fprintf(log, state_values_format, name, state_values_word(verdict)) < 0) {
-    return vel::fail(vel_error_io);
-  }
-  return vel::fail(vel_error_invalid_state_values);
+  return report_fault(node, vel_error_invalid_state_values, state_values_format, node->name,
+                      state_values_word(verdict));
 }

@@ -68,6 +68,11 @@ int distribution_row(const builder_arguments_t &distribution, vel_node_t *node, 
 int place_label(vel_node_t *node, double *result, uint64_t n, const char *label);
 int place_value(vel_node_t *node, double *result, uint64_t n, double value);
 int place_state(double *result, uint64_t n, uint64_t state);
+// Entry i of a row computed at one point: its mean, minimum and maximum (the
+// three rows of n of a result) are the same value.
+inline void set_entry(double *result, uint64_t n, uint64_t i, double p) {
+  result[i] = result[n + i] = result[2 * n + i] = p;
+}
 int check_state_range(double lower, double upper, vel_node_t *node, uint64_t n,
                       uint32_t op, int truncated);
 

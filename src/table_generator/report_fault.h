@@ -1,12 +1,7 @@
-// Messages of the parametric distributions, written to the node's domain log.
+// Failures of a generation explained in the domain's log.
 #pragma once
 
-#include <cstdio>
-
 #include "host/records.h"
-
-// The domain's log stream of the node, or nullptr when none is set.
-FILE *distribution_log(const vel_node_t *node);
 
 // Writes the formatted message when the node's domain has a log and sets the
 // error code: `code`, or vel_error_io when the write fails.  Returns it.

@@ -1,14 +1,13 @@
-// Messages of the parametric distributions, written to the node's domain log.
-#include "table_generator/distribution_log.h"
+// Failures of a generation explained in the domain's log.
+#include "table_generator/report_fault.h"
 
 #include <cstdarg>
+#include <cstdio>
 
 #include "common/error.h"
 
-FILE *distribution_log(const vel_node_t *node) { return node->domain->log_file; }
-
 int report_fault(const vel_node_t *node, int code, const char *format, ...) {
-  FILE *log = distribution_log(node);
+  FILE *log = node->domain->log_file;
   if (log == nullptr) return vel::fail(code);
   va_list arguments;
   va_start(arguments, format);
