@@ -3,6 +3,7 @@
 #include <cmath>
 #include <limits>
 
+#include "host/record_queries.h"
 #include "host/api_guard_internal.h"
 #include "host/storage_internal.h"
 
@@ -25,10 +26,6 @@ const vel_expression_t *operand_of(const vel_expression_t *expression, bool fits
   return expression;
 }
 
-bool has_arguments(const vel_expression_t *e) {
-  return e && e->operator_ >= vel_op_Normal && e->operator_ < vel_op_number;
-}
-
 }  // namespace
 
 extern "C" {
@@ -45,7 +42,7 @@ int vel_expression_get_type(const vel_expression_t *expression) {
 
 vel_expression_t *vel_expression_get_argument(const vel_expression_t *expression, size_t index) {
   const vel_expression_t *e =
-      operand_of(expression, has_arguments(expression), "vel_expression_get_argument");
+      operand_of(expression, expression && has_arguments(expression), "vel_expression_get_argument");
   if (!e) return nullptr;
   for (size_t i = 0; i < index; ++i)
     if (!e->arguments[i]) return nullptr;

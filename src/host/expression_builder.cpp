@@ -5,6 +5,7 @@
 #include <cstring>
 #include <string>
 
+#include "host/record_queries.h"
 #include "host/api_guard_internal.h"
 #include "host/expression_internal.h"
 #include "host/operators.h"
@@ -22,14 +23,6 @@ vel_expression_t *new_leaf(uint32_t code, uint32_t type) {
   expression->type = type;
   expression->depth = 1;
   return expression;
-}
-
-bool contains_node_reference(const vel_expression_t *expression) {
-  if (expression->operator_ == vel_op_node) return true;
-  if (expression->operator_ >= vel_op_number) return false;
-  for (vel_expression_t *const *argument = expression->arguments; *argument; ++argument)
-    if (contains_node_reference(*argument)) return true;
-  return false;
 }
 
 std::string operator_text(const OperatorInfo &info) {
@@ -82,7 +75,7 @@ std::string argument_error(const OperatorInfo &info, vel_expression_t *const *ar
       return "the expression would be nested deeper than " +
              std::to_string(vel::host::max_expression_depth) + " levels";
   }
-  if (info.needs_node && !contains_node_reference(arguments[0]))
+  if (info.needs_node && !refers_to(arguments[0], nullptr))
     return "the argument of " + operator_text(info) + " must refer to a node";
   return {};
 }

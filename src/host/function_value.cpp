@@ -19,7 +19,7 @@ int vel_node_compute_value(vel_node_t *node, int mode, double *value) {
   if (!value) return vel::host::usage("vel_node_compute_value: value is NULL");
   if (mode != vel_mode_inference && mode != vel_mode_configured)
     return vel::host::usage("vel_node_compute_value: mode must be 0 (inference) or 1 (configured)");
-  if (!vel::host::is_real_function(node))
+  if (!is_real_function(node))
     return vel::host::guarded<int>(vel_error_out_of_memory, [&] {
       return vel::host::usage(std::string(node->name) + " is not a real-valued function node");
     });

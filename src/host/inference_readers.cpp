@@ -3,6 +3,7 @@
 // inference state marks exactly those tables outdated.
 #include <algorithm>
 
+#include "host/record_queries.h"
 #include "host/host.h"
 #include "host/storage_internal.h"
 
@@ -13,20 +14,10 @@ bool is_inference_operator(uint32_t code) {
          code == vel_op_quantile;
 }
 
-bool has_arguments(uint32_t code) { return code < vel_op_number; }
-
-bool refers_to(const vel_expression_t *expression, const vel_node_t *node) {
-  if (expression->operator_ == vel_op_node) return expression->node == node;
-  if (!has_arguments(expression->operator_)) return false;
-  for (vel_expression_t *const *a = expression->arguments; *a; ++a)
-    if (refers_to(*a, node)) return true;
-  return false;
-}
-
 // Whether an inference operator in the tree reads `node` (any node when NULL).
 bool reads_results(const vel_expression_t *expression, const vel_node_t *node) {
   const uint32_t code = expression->operator_;
-  if (!has_arguments(code)) return false;
+  if (!has_arguments(expression)) return false;
   if (is_inference_operator(code) && (!node || refers_to(expression, node))) return true;
   for (vel_expression_t *const *a = expression->arguments; *a; ++a)
     if (reads_results(*a, node)) return true;
@@ -39,7 +30,7 @@ bool reads_parents(const vel_model_t *model, const vel_node_t *node) {
   const vel_node_t *owner = model->node;
   if (owner->category != vel_category_function || owner->kind != vel_kind_discrete) return false;
   if (!node) return true;
-  return !vel::host::is_real_function(node) && _vel_node_in_list(node, owner->parents);
+  return !is_real_function(node) && _vel_node_in_list(node, owner->parents);
 }
 
 bool reads(const vel_model_t *model, const vel_node_t *node) {

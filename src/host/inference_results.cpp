@@ -208,7 +208,7 @@ int vel_node_set_configured_state(vel_node_t *node, int64_t state) {
 int vel_node_set_configured_value(vel_node_t *node, double value) {
   if (!node) return usage("vel_node_set_configured_value: node is NULL");
   if (vel::host::is_discrete(node)) return refuse(node, "takes a configured state, not a value");
-  if (vel::host::is_real_function(node)) return refuse(node, "gets its value from its model");
+  if (is_real_function(node)) return refuse(node, "gets its value from its model");
   if (node->kind > 0)
     node->evidence.value = value;
   else

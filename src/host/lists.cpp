@@ -1,18 +1,11 @@
 // Searches in node and expression lists, and in a model's expressions.
 #include <algorithm>
 
+#include "host/record_queries.h"
 #include "host/host.h"
 #include "host/storage_internal.h"
 
 namespace {
-
-bool refers_to(const vel_expression_t *expression, const vel_node_t *node) {
-  if (expression->operator_ == vel_op_node) return expression->node == node;
-  if (expression->operator_ >= vel_op_number) return false;
-  for (vel_expression_t *const *argument = expression->arguments; *argument; ++argument)
-    if (refers_to(*argument, node)) return true;
-  return false;
-}
 
 void collect_references(const vel_expression_t *expression, std::vector<const vel_node_t *> &out) {
   if (expression->operator_ == vel_op_node) out.push_back(expression->node);

@@ -43,7 +43,7 @@ std::string owner_name(const vel_model_t *model) { return model->node->name; }
 // 1 when the expressions read the value of a real-valued function parent.
 int64_t reads_function_values(const vel_model_t *model) {
   for (vel_node_t *const *parent = model->node->parents; parent && *parent; ++parent)
-    if (vel::host::is_real_function(*parent) && _vel_node_appears_in_model(model, *parent))
+    if (is_real_function(*parent) && _vel_node_appears_in_model(model, *parent))
       return 1;
   return 0;
 }
@@ -55,7 +55,7 @@ void model_changed(vel_model_t *model) {
   model->tables_outdated = 1;
   model->function_value_use = reads_function_values(model);
   vel::host::track_inference_reads(model);
-  if (vel::host::is_real_function(model->node)) {
+  if (is_real_function(model->node)) {
     _vel_invalidate_function_value(model->node, vel_mode_inference);
     _vel_invalidate_function_value(model->node, vel_mode_configured);
   }
@@ -136,7 +136,7 @@ int vel_node_delete_model(vel_node_t *node) {
   vel::host::forget_inference_reads(node->model);
   vel::host::storage_of(node).model.reset();
   node->model = nullptr;
-  if (vel::host::is_real_function(node)) {
+  if (is_real_function(node)) {
     _vel_invalidate_function_value(node, vel_mode_inference);
     _vel_invalidate_function_value(node, vel_mode_configured);
   }

@@ -10,6 +10,7 @@
 #include <string_view>
 #include <vector>
 
+#include "host/record_queries.h"
 #include "common/error.h"
 #include "host/lexer.h"
 #include "host/operators.h"
@@ -44,14 +45,6 @@ struct SyntaxError {
 
 bool is_number_leaf(const vel_expression_t *expression) {
   return expression->operator_ == vel_op_number;
-}
-
-bool refers_to_node(const vel_expression_t *expression) {
-  if (expression->operator_ == vel_op_node) return true;
-  if (expression->operator_ >= vel_op_number || expression->arguments == nullptr) return false;
-  for (vel_expression_t *const *argument = expression->arguments; *argument; ++argument)
-    if (refers_to_node(*argument)) return true;
-  return false;
 }
 
 int comparison_code(TokenKind kind) {
@@ -157,7 +150,7 @@ Parsed leaf(vel_expression_t *expression, size_t offset) {
         arguments[i].expression->operator_ != vel_op_node)
       fail_argument(arguments[i].offset, info.name, i, "must be a node name");
   }
-  if (info.needs_node && !refers_to_node(arguments[0].expression.get()))
+  if (info.needs_node && !refers_to(arguments[0].expression.get(), nullptr))
     fail_argument(arguments[0].offset, info.name, 0, "must refer to a node");
 }
 

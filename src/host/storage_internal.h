@@ -13,6 +13,7 @@
 #include <unordered_set>
 #include <vector>
 
+#include "host/record_queries.h"
 #include "host/records.h"
 
 namespace vel::host {
@@ -145,8 +146,5 @@ void write_variance(vel_node_t *node);
 
 // Predicates on node classes.
 inline bool is_discrete(const vel_node_t *node) { return node->kind == vel_kind_discrete; }
-inline bool is_real_function(const vel_node_t *node) {
-  return node->category == vel_category_function && node->kind < 0;
-}
 
 }  // namespace vel::host

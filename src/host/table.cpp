@@ -39,7 +39,7 @@ bool same_table_nodes(const std::vector<vel_node_t *> &stored, vel_node_t *node)
 
 const char *no_table_reason(const vel_node_t *node) {
   if (node->kind > 0) return "is continuous and has no table";
-  if (vel::host::is_real_function(node)) return "is a real-valued function node and has no table";
+  if (is_real_function(node)) return "is a real-valued function node and has no table";
   return nullptr;
 }
 

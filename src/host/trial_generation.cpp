@@ -9,7 +9,7 @@
 #include "host/storage_internal.h"
 
 extern "C" int vel_node_try_generate_table(vel_node_t *node) {
-  if (!node || !node->model || vel::host::is_real_function(node))
+  if (!node || !node->model || is_real_function(node))
     return vel_node_generate_table(node);  // refused there, with the reason
   vel::host::NodeStorage &storage = vel::host::storage_of(node);
   vel_host_domain_data &domain = *node->domain->host;

@@ -57,7 +57,7 @@ int give_uniform_policies(vel_domain_t *domain) {
 std::vector<vel_node_t *> outdated_readers(vel_domain_t *domain) {
   std::vector<vel_node_t *> readers;
   for (vel_node_t *node = domain->first_node; node; node = node->next)
-    if (node->model && node->model->tables_outdated && !host::is_real_function(node) &&
+    if (node->model && node->model->tables_outdated && !is_real_function(node) &&
         host::reads_inference_results(node->model))
       readers.push_back(node);
   return readers;
@@ -69,7 +69,7 @@ int generate_tables(vel_domain_t *domain, const std::vector<vel_node_t *> &defer
   vel_junction_tree_t *tree = domain->junction_tree;
   std::vector<vel_node_t *> detached;
   for (vel_node_t *node = domain->first_node; node; node = node->next)
-    if (host::is_real_function(node) && node->junction_tree == tree) {
+    if (is_real_function(node) && node->junction_tree == tree) {
       node->junction_tree = nullptr;
       detached.push_back(node);
     }
@@ -80,7 +80,7 @@ int generate_tables(vel_domain_t *domain, const std::vector<vel_node_t *> &defer
   if (code == 0) return 0;
   // The walk stops at the first failure, and every table before it is done.
   for (vel_node_t *node = domain->first_node; node; node = node->next)
-    if (node->model && node->model->tables_outdated && !host::is_real_function(node) &&
+    if (node->model && node->model->tables_outdated && !is_real_function(node) &&
         std::find(deferred.begin(), deferred.end(), node) == deferred.end()) {
       domain->host->failed_node = node;
       break;

@@ -3,6 +3,8 @@
 // rlog, grat1, erf1, erfc1) are declared in toms_shared.h and special.h.
 #pragma once
 
+#include "special/min_max.h"
+
 // --- Series (beta_series.cpp) ---
 
 // I_x(a, b) for b < min(eps, eps*a) and x <= 0.5.
@@ -71,7 +73,3 @@ double psi(double xx);
 // a + b - 1 and a + b - 2 summed in 80-bit precision and rounded once.
 double sum_minus_one(double a, double b);
 double sum_minus_two(double a, double b);
-double max_d(double a, double b);
-double min_d(double a, double b);
-// |a| with the sign of b; b == 0 counts as positive.
-double fifdsign(double a, double b);

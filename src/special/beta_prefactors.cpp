@@ -86,7 +86,7 @@ double esum(int mu, double x) {
 
 double brcomp(double a, double b, double x, double y) {
   if (x == 0.0 || y == 0.0) return 0.0;
-  const double a0 = min_d(a, b);
+  const double a0 = min_or_second(a, b);
   if (a0 >= 8.0) {
     double root;
     const double z = std::exp(large_exponent(a, b, x, y, &root));
@@ -99,7 +99,7 @@ double brcomp(double a, double b, double x, double y) {
   double z = a * lnx + b * lny;
   if (a0 >= 1.0) return std::exp(z - betaln(a, b));
 
-  double b0 = max_d(a, b);
+  double b0 = max_or_second(a, b);
   if (b0 >= 8.0) {
     const double u = gamln1(a0) + algdiv(a0, b0);
     return a0 * std::exp(z - u);
@@ -117,7 +117,7 @@ double brcomp(double a, double b, double x, double y) {
 }
 
 double brcmp1(int mu, double a, double b, double x, double y) {
-  const double a0 = min_d(a, b);
+  const double a0 = min_or_second(a, b);
   if (a0 >= 8.0) {
     double root;
     const double z = esum(mu, large_exponent(a, b, x, y, &root));
@@ -130,7 +130,7 @@ double brcmp1(int mu, double a, double b, double x, double y) {
   double z = a * lnx + b * lny;
   if (a0 >= 1.0) return esum(mu, z - betaln(a, b));
 
-  double b0 = max_d(a, b);
+  double b0 = max_or_second(a, b);
   if (b0 >= 8.0) {
     const double u = gamln1(a0) + algdiv(a0, b0);
     return a0 * esum(mu, z - u);

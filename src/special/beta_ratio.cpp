@@ -70,7 +70,7 @@ int large_parameters(double a, double b, double x, double y, double *w, double *
       if (code != 0) return code;
     }
   } else {
-    const double smaller = min_d(r.a0, r.b0);
+    const double smaller = min_or_second(r.a0, r.b0);
     if (smaller <= 100.0 || lambda > 0.03 * smaller) {
       value = bfrac(r.a0, r.b0, r.x0, r.y0, lambda, 15.0 * eps);
     } else {
@@ -92,18 +92,18 @@ int small_parameters(double a, double b, double x, double y, double *w, double *
 
   // Each branch yields either I_x0 (value) or its complement.
   enum { series, complement_series, complement_bup_bgrat, complement_bgrat } route;
-  if (b0 < min_d(eps, eps * a0)) {
+  if (b0 < min_or_second(eps, eps * a0)) {
     const double value = fpser(a0, b0, x0, eps);
     store(w, w1, value, 0.5 + (0.5 - value), r.swapped);
     return 0;
   }
-  if (a0 < min_d(eps, eps * b0) && b0 * x0 <= 1.0) {
+  if (a0 < min_or_second(eps, eps * b0) && b0 * x0 <= 1.0) {
     const double complement = apser(a0, b0, x0, eps);
     store(w, w1, 0.5 + (0.5 - complement), complement, r.swapped);
     return 0;
   }
-  if (max_d(a0, b0) <= 1.0) {
-    if (a0 >= min_d(0.2, b0) || std::pow(x0, a0) <= 0.9) {
+  if (max_or_second(a0, b0) <= 1.0) {
+    if (a0 >= min_or_second(0.2, b0) || std::pow(x0, a0) <= 0.9) {
       route = series;
     } else if (x0 >= 0.3) {
       route = complement_series;
@@ -168,11 +168,11 @@ int beta_ratio(double *w, double *w1, double a, double b, double x, double y) {
   }
   vel::fail(vel_error_none);
 
-  if (max_d(a, b) < 1e-3 * eps) {
+  if (max_or_second(a, b) < 1e-3 * eps) {
     *w = b / (a + b);
     *w1 = a / (a + b);
     return 0;
   }
-  if (min_d(a, b) > 1.0) return large_parameters(a, b, x, y, w, w1);
+  if (min_or_second(a, b) > 1.0) return large_parameters(a, b, x, y, w, w1);
   return small_parameters(a, b, x, y, w, w1);
 }

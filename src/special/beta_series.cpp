@@ -57,12 +57,12 @@ double bpser(double a, double b, double x, double eps) {
 
   // Prefactor x^a / (a B(a, b)).
   double result;
-  const double a0 = min_d(a, b);
+  const double a0 = min_or_second(a, b);
   if (a0 >= 1.0) {
     const double z = a * std::log(x) - betaln(a, b);
     result = std::exp(z) / a;
   } else {
-    double b0 = max_d(a, b);
+    double b0 = max_or_second(a, b);
     if (b0 >= 8.0) {
       const double u = gamln1(a0) + algdiv(a0, b0);
       const double z = a * std::log(x) - u;

@@ -1,18 +1,9 @@
-// Elementary auxiliaries of ACM TOMS 708: alnrel, rlog1, psi and the
-// published max, min and sign-transfer operations.
+// Elementary auxiliaries of ACM TOMS 708: alnrel, rlog1 and psi.
 #include <cmath>
 #include <cstdint>
 
 #include "special/beta_internal.h"
 
-double max_d(double a, double b) { return a > b ? a : b; }
-
-double min_d(double a, double b) { return a < b ? a : b; }
-
-double fifdsign(double a, double b) {
-  const double magnitude = std::fabs(a);
-  return b >= 0.0 ? magnitude : -magnitude;
-}
 
 // 80-bit sums: a + b - 1 and a + b - 2 cancel when a + b is near 1 or 2.
 double sum_minus_one(double a, double b) {

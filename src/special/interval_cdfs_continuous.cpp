@@ -6,6 +6,7 @@
 #include "common/error.h"
 #include "special/interval_difference.h"
 #include "special/interval_ends.h"
+#include "special/min_max.h"
 #include "special/special.h"
 
 namespace {
@@ -19,10 +20,6 @@ constexpr double erf_breakpoint = 0.46875;
 double triangular_cdf(double x, double y, double a, double m, double b) {
   return ((y - a) + (x - a)) * (y - x) / ((b - a) * (m - a));
 }
-
-// max and min that turn a NaN bound into the support's end.
-double at_least(double x, double bound) { return x > bound ? x : bound; }
-double at_most(double x, double bound) { return x < bound ? x : bound; }
 
 // calerf(jint, z) or calerf(jint, -z) of the end, computed once.
 double erf_value(GaussEnd &end, unsigned jint, bool negated) {
@@ -100,8 +97,8 @@ double LogNormal_cdf(double x1, double x2, double mean, double variance) {
 double beta_interval(double x1, double x2, double alpha, double beta, double lower, double upper,
                      RatioEnds &ends) {
   const double range = upper - lower;
-  x1 = at_least(x1, lower);
-  x2 = at_most(x2, upper);
+  x1 = max_or_second(x1, lower);
+  x2 = min_or_second(x2, upper);
   _vel_error_code = 0;
   if (x1 >= x2) return 0.0;
   auto at = [&](double x) {
@@ -140,8 +137,8 @@ double Gamma_cdf(double x1, double x2, double shape, double scale) {
 }
 
 double weibull_interval(double x1, double x2, double k, double lambda, TailEnds &ends) {
-  x1 = at_least(x1, 0.0);
-  x2 = at_least(x2, 0.0);
+  x1 = max_or_second(x1, 0.0);
+  x2 = max_or_second(x2, 0.0);
   // The upper tail exp(-(x / lambda)^k); the exponential case without pow.
   auto tail = [&](double x) -> double {
     return ends.at(x, [&](double &made) {
@@ -161,15 +158,15 @@ double Weibull_cdf(double x1, double x2, double k, double lambda) {
 double Exponential_cdf(double x1, double x2, double scale) { return Weibull_cdf(x1, x2, 1.0, scale); }
 
 double Uniform_cdf(double x1, double x2, double a, double b) {
-  const double lo = at_least(x1, a);
-  const double hi = at_most(x2, b);
+  const double lo = max_or_second(x1, a);
+  const double hi = min_or_second(x2, b);
   if (lo >= hi) return 0.0;
   return (hi - lo) / (b - a);
 }
 
 double Triangular_cdf(double x1, double x2, double a, double m, double b) {
-  const double lo = at_least(x1, a);
-  const double hi = at_most(x2, b);
+  const double lo = max_or_second(x1, a);
+  const double hi = min_or_second(x2, b);
   if (lo >= hi) return 0.0;
   // Tested in this order so that m == a reaches only the falling edge and
   // m == b only the rising one: neither divides by zero.

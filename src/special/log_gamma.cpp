@@ -97,8 +97,8 @@ double gsumln(double a, double b) {
 }
 
 double bcorr(double a0, double b0) {
-  const double a = min_d(a0, b0);
-  const double b = max_d(a0, b0);
+  const double a = min_or_second(a0, b0);
+  const double b = max_or_second(a0, b0);
   const double h = a / b;
   const double w = stirling_difference(b, h / (1.0 + h), 1.0 / (1.0 + h));
   const double t = (1.0 / a) * (1.0 / a);
@@ -130,8 +130,8 @@ double algdiv(double a, double b) {
 double betaln(double a0, double b0) {
   static const double e = .918938533204673;  // 0.5 ln(2 pi)
 
-  double a = min_d(a0, b0);
-  double b = max_d(a0, b0);
+  double a = min_or_second(a0, b0);
+  double b = max_or_second(a0, b0);
   if (a >= 8.0) {
     const double w = bcorr(a, b);
     const double h = a / b;

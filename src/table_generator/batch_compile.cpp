@@ -8,6 +8,7 @@
 #include <algorithm>
 #include <cstring>
 
+#include "host/record_queries.h"
 #include "table_generator/batch_plan.h"
 #include "table_generator/numeric_operators.h"
 #include "table_generator/table_generator.h"
@@ -260,14 +261,6 @@ class Compiler {
   batch_program_t *program_;
   bool failed_ = false;
 };
-
-bool refers_to(const vel_expression_t *e, const vel_node_t *node) {
-  if (e->operator_ == vel_op_node) return e->node == node;
-  if (e->operator_ >= vel_op_number) return false;
-  for (vel_expression_t *const *a = e->arguments; *a; ++a)
-    if (refers_to(*a, node)) return true;
-  return false;
-}
 
 }  // namespace
 

@@ -11,15 +11,12 @@
 // own node.  The order of every evaluation and host call is that of the
 // recursive definition: a node's model nodes in order, then the references of
 // its expression in pre-order, each computed completely before the next.
+#include "host/record_queries.h"
 #include "common/error.h"
 #include "host/host.h"
 #include "table_generator/table_generator.h"
 
 namespace {
-
-bool is_real_function(const vel_node_t *node) {
-  return node->category == vel_category_function && node->kind < 0;
-}
 
 double &cached_value(vel_node_t *node, uint32_t mode) {
   return mode == vel_mode_inference ? node->inferred_value : node->configured_value;

@@ -1,14 +1,11 @@
 // Discarding cached function-node values when something they depend on
 // changes, and marking the tables generated from them as outdated.
+#include "host/record_queries.h"
 #include "common/error.h"
 #include "host/host.h"
 #include "table_generator/table_generator.h"
 
 namespace {
-
-bool is_real_function(const vel_node_t *node) {
-  return node->category == vel_category_function && node->kind < 0;
-}
 
 void initialize_domain(vel_domain_t *domain) {
   const uint64_t *k = domain->node_counters;

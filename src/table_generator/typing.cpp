@@ -1,12 +1,8 @@
 // Type assignment of expression trees and the structural walks over them.
+#include "host/record_queries.h"
 #include "table_generator/table_generator.h"
 
 namespace {
-
-// Codes 60..113 carry an argument array; leaves and unknown codes do not.
-bool has_arguments(uint32_t code) {
-  return code >= vel_op_Normal && code <= vel_op_greater_or_equal;
-}
 
 bool is_num(const vel_expression_t *e) {
   return e->type == vel_type_number || e->type == vel_type_any;
@@ -162,7 +158,7 @@ extern "C" int _vel_assign_types(vel_expression_t *expression, uint32_t mode) {
     default:
       break;
   }
-  if (!has_arguments(expression->operator_)) return 0;
+  if (!has_arguments(expression)) return 0;
   for (vel_expression_t *const *a = expression->arguments; *a; ++a)
     if (!_vel_assign_types(*a, mode)) return 0;
   return check_operator(expression);
@@ -193,7 +189,7 @@ int value_is_used(const vel_node_t *node, const vel_expression_t *expression) {
   const uint32_t code = expression->operator_;
   if (code == vel_op_node) return expression->node == node;
   // Leaves, state_index_of and aggregate read states, never values.
-  if (!has_arguments(code) || code == vel_op_state_index_of || code == vel_op_aggregate)
+  if (!has_arguments(expression) || code == vel_op_state_index_of || code == vel_op_aggregate)
     return 0;
   for (vel_expression_t *const *a = expression->arguments; *a; ++a)
     if (value_is_used(node, *a)) return 1;
@@ -218,7 +214,7 @@ int get_unique_node(const vel_expression_t *expression, vel_node_t **slot) {
     }
     return *slot == expression->node;
   }
-  if (!has_arguments(code)) return 1;
+  if (!has_arguments(expression)) return 1;
   for (vel_expression_t *const *a = expression->arguments; *a; ++a)
     if (!get_unique_node(*a, slot)) return 0;
   return 1;
