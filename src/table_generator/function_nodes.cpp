@@ -280,10 +280,9 @@ int model_uses_node(const vel_model_t *model, const vel_node_t *node) {
   return _vel_node_appears_in_model(model, node) || _vel_node_in_list(node, model->nodes);
 }
 
+// The host checks the arguments (vel_node_compute_value): a real-valued
+// function node and a mode of 0 or 1.
 extern "C" int _vel_node_compute_function_value(vel_node_t *node, uint32_t mode) {
-  if (node == nullptr || mode > vel_mode_configured || !is_real_function(node)) {
-    return vel::fail(vel_error_usage);
-  }
   const int status = evaluate_function_node(node, mode);
   // A usage failure inside the computation means the value cannot be
   // produced; to the caller that is a computation error, not a bad argument.

@@ -157,7 +157,6 @@ TEST_F(FunctionNodeTest, UsageFailureSurfacesAsComputationErrorAtTheEntryOnly) {
   EXPECT_EQ(vel_node_get_value(f), -1.0);
   EXPECT_EQ(vel_error_code(), vel_error_computation);
   u->category = vel_category_utility;
-  EXPECT_EQ(_vel_node_compute_function_value(u, vel_mode_inference), vel_error_usage);
 }
 
 TEST_F(FunctionNodeTest, SourceDomainBlocksLinksAndValueSources) {
