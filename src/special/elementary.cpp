@@ -2,6 +2,7 @@
 #include <cmath>
 #include <cstdint>
 
+#include "special/extended_precision.h"
 #include "special/beta_internal.h"
 
 

@@ -2,6 +2,7 @@
 // logarithm GLOG.
 #include <cmath>
 
+#include "special/extended_precision.h"
 #include "special/special.h"
 #include "special/toms_shared.h"
 
