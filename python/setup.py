@@ -2,7 +2,9 @@
 file named by VEL_LIBRARY at install time, else the repository's build/
 beside this directory.  Without either, the package looks for the library
 at run time (VEL_LIBRARY, then the system's libvel.so.0)."""
+import ctypes
 import os
+import re
 from pathlib import Path
 
 from setuptools import setup
@@ -27,4 +29,19 @@ class BuildRecordingLibrary(build_py):
         target.write_text(f'"""Written at installation."""\nLIBRARY_DIRECTORY = {str(directory)!r}\n')
 
 
-setup(cmdclass={"build_py": BuildRecordingLibrary})
+def project_version():
+    """The version set once, in project(VERSION) of the repository's
+    CMakeLists.txt; from a copy of the package outside the repository, the
+    version of the library it is installed for."""
+    cmake = Path(__file__).resolve().parent.parent / "CMakeLists.txt"
+    if cmake.exists():
+        return re.search(r"project\(vel VERSION ([0-9.]+)", cmake.read_text()).group(1)
+    directory = library_directory()
+    if directory is None:
+        raise SystemExit("vel: set VEL_LIBRARY to the built libvel.so (its version is the package's)")
+    library = ctypes.CDLL(str(directory / "libvel.so"))
+    library.vel_version.restype = ctypes.c_char_p
+    return library.vel_version().decode()
+
+
+setup(version=project_version(), cmdclass={"build_py": BuildRecordingLibrary})

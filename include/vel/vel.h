@@ -137,6 +137,9 @@ static const double vel_infinity = 1.7976931348623157e+308;
 int vel_error_code(void);                     /* the thread-local error code */
 const char *vel_error_name(int code);         /* "vel_error_invalid_expression" */
 const char *vel_error_description(int code);  /* one line */
+
+/* The library's version, "MAJOR.MINOR.PATCH". */
+const char *vel_version(void);
 /* Text of the last failure that has one; "" when there is none.  A parse
  * error says what was expected, and vel_error_position() gives the 1-based
  * character position it refers to (0 when none).  After a failed table

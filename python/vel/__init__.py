@@ -13,8 +13,10 @@ from .errors import (Error, ExpressionSyntaxError, GenerationError, InferenceErr
                      ResourceError, UsageError)
 from .node import Model, Node
 from .table import Table
+from . import _capi
 
 __all__ = ["Domain", "load", "Node", "Model", "Table", "Error", "UsageError",
            "ExpressionSyntaxError", "ResourceError", "InferenceError", "GenerationError",
            "LoadError"]
-__version__ = "0.1.0"
+# The version of the library the package runs on, which the package shares.
+__version__ = _capi.vel_version().decode()

@@ -26,6 +26,7 @@ _DECLARATIONS = {
     "vel_error_code": (c_int, []),
     "vel_error_name": (c_char_p, [c_int]),
     "vel_error_description": (c_char_p, [c_int]),
+    "vel_version": (c_char_p, []),
     "vel_error_message": (c_char_p, []),
     "vel_error_position": (c_long, []),
     # Domains

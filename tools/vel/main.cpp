@@ -6,7 +6,6 @@
 #include <exception>
 
 #include "commands.h"
-#include "version.h"
 
 namespace {
 
@@ -19,7 +18,7 @@ constexpr const char *description =
 int main(int argc, char **argv) {
   using namespace vel::cli;
   CLI::App app{description, "vel"};
-  app.set_version_flag("--version", std::string("vel ") + program_version);
+  app.set_version_flag("--version", std::string("vel ") + vel_version());
   app.require_subcommand(1);
 
   const char *file_help = "Model file (.yaml, .yml, .json), BIF (.bif) or XMLBIF (.xml, .xmlbif) network";
