@@ -16,7 +16,8 @@ double _vel_Poisson_cdf(double x1, double x2, double lambda);
 
 }  // extern "C"
 
-// Interval probabilities private to the library (interval_cdfs.cpp).
+// Interval probabilities private to the library (interval_cdfs_continuous.cpp,
+// interval_cdfs_discrete.cpp).
 double LogNormal_cdf(double x1, double x2, double mean, double variance);
 double Beta_cdf(double x1, double x2, double alpha, double beta, double lower, double upper);
 double Gamma_cdf(double x1, double x2, double shape, double scale);

@@ -30,7 +30,7 @@ int value_is_used(const vel_node_t *node, const vel_expression_t *expression);
 int node_value_is_used_in_model(const vel_model_t *model, const vel_node_t *node);
 int get_unique_node(const vel_expression_t *expression, vel_node_t **slot);
 
-// Evaluation (eval_numeric.cpp, eval_values.cpp).
+// Evaluation (eval_numeric.cpp, eval_boolean.cpp, eval_label.cpp).
 int eval_numeric_expr(const vel_expression_t *expression, double *result);
 int eval_boolean_expr(const vel_expression_t *expression);
 const char *eval_label_expr(const vel_expression_t *expression);
