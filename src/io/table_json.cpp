@@ -54,15 +54,27 @@ std::string json_load_error(const std::string &message) {
          json_string(message) + "}";
 }
 
-void write_json_document(std::ostream &out, const std::string &domain,
-                         const std::vector<vel_node_t *> &tables, const GenerationError *error) {
-  out << "{\n  \"domain\": " << json_string(domain) << ",\n  \"tables\": [";
+namespace {
+
+void write_document(std::ostream &out, const std::string &domain, const std::vector<vel_node_t *> &tables,
+                    const std::string &error) {
+  out << "{\n  \"domain\": " << domain << ",\n  \"tables\": [";
   for (std::size_t i = 0; i < tables.size(); ++i) {
     out << (i ? ",\n    " : "\n    ");
     write_table(out, tables[i]);
   }
-  out << (tables.empty() ? "]" : "\n  ]") << ",\n  \"error\": " << (error ? json_error(*error) : "null")
-      << "\n}\n";
+  out << (tables.empty() ? "]" : "\n  ]") << ",\n  \"error\": " << error << "\n}\n";
+}
+
+}  // namespace
+
+void write_json_document(std::ostream &out, const std::string &domain,
+                         const std::vector<vel_node_t *> &tables, const GenerationError *error) {
+  write_document(out, json_string(domain), tables, error ? json_error(*error) : "null");
+}
+
+void write_json_load_failure(std::ostream &out, const std::string &message) {
+  write_document(out, "null", {}, json_load_error(message));
 }
 
 }  // namespace vel::io

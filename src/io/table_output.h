@@ -47,6 +47,9 @@ struct GenerationError {
 // {"domain": ..., "tables": [...], "error": null or the error object}.
 void write_json_document(std::ostream &out, const std::string &domain,
                          const std::vector<vel_node_t *> &tables, const GenerationError *error);
+// The same document for a file that cannot be loaded: no domain, no tables,
+// the load error.
+void write_json_load_failure(std::ostream &out, const std::string &message);
 // {"code": 34, "name": "vel_error_invalid_expression", "node": "Temp", "message": "..."}
 std::string json_error(const GenerationError &error);
 // The error object of a file that cannot be loaded: code and node null, name

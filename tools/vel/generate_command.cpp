@@ -151,9 +151,7 @@ int run_generate(const GenerateOptions &options) {
   std::string load_message;
   std::optional<io::LoadedModel> model = load_or_report(options.file, &load_message);
   if (!model) {
-    if (json)
-      std::cout << "{\n  \"domain\": null,\n  \"tables\": [],\n  \"error\": "
-                << io::json_load_error(load_message) << "\n}\n";
+    if (json) io::write_json_load_failure(std::cout, load_message);
     return 2;
   }
   vel_domain_t *domain = model->domain.get();
