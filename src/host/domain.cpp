@@ -3,7 +3,7 @@
 #include "host/api_guard_internal.h"
 #include "host/host.h"
 #include "host/storage_internal.h"
-#include "table_generator/table_generator.h"
+#include "table_generator/entries.h"
 
 using vel::host::guarded;
 using vel::host::usage;

@@ -4,7 +4,7 @@
 
 #include "host/api_guard_internal.h"
 #include "host/storage_internal.h"
-#include "table_generator/table_generator.h"
+#include "table_generator/entries.h"
 
 extern "C" {
 

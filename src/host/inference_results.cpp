@@ -10,7 +10,7 @@
 #include "host/host.h"
 #include "host/read_count_internal.h"
 #include "host/storage_internal.h"
-#include "table_generator/table_generator.h"
+#include "table_generator/entries.h"
 
 using vel::host::guarded;
 using vel::host::usage;

@@ -10,6 +10,8 @@
 #include "table_generator/report_fault.h"
 #include "table_generator/table_generator.h"
 
+namespace {
+
 int check_state_range(double lower, double upper, vel_node_t *node, uint64_t n, uint32_t op,
                       int truncated) {
   const char *name_of_op = operator_names[op - vel_op_Normal];
@@ -31,8 +33,6 @@ int check_state_range(double lower, double upper, vel_node_t *node, uint64_t n, 
   return report_fault(node, vel_error_state_range, "Node %s: State range must include %s for %s%s distribution\n",
                       node->name, range, truncated ? "truncated " : "", name_of_op);
 }
-
-namespace {
 
 // Calls visit(mass) with mass(x1, x2) the probability that the law puts on
 // (x1, x2), so that the interval function is chosen once per row.  Each end

@@ -18,6 +18,11 @@
 
 namespace {
 
+void initialize_ancestors(vel_node_t *node, uint32_t mode);
+void clear_ancestors(vel_node_t *node);
+int compute_function_value(vel_node_t *node, uint32_t mode);
+vel_expression_t *get_expression(const vel_model_t *model);
+
 double &cached_value(vel_node_t *node, uint32_t mode) {
   return mode == vel_mode_inference ? node->inferred_value : node->configured_value;
 }
@@ -297,6 +302,8 @@ int evaluate_function_node(vel_node_t *node, uint32_t mode) {
   return status;
 }
 
+namespace {
+
 // Marks every node the computation may reach: -1 for those to compute, the
 // cached status for function nodes that hold one (with the cached value).
 void initialize_ancestors(vel_node_t *node, uint32_t mode) {
@@ -382,3 +389,5 @@ vel_expression_t *get_expression(const vel_model_t *model) {
   if (model->expressions == nullptr) return nullptr;
   return model->expressions[index];
 }
+
+}  // namespace

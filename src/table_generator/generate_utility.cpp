@@ -50,8 +50,6 @@ int write_entry(vel_table_t *table, float **data, double value, double low, doub
   return 0;
 }
 
-}  // namespace
-
 int compute_value(const vel_expression_t *expression, vel_node_t **nodes, double *block,
                   uint64_t samples) {
   auto at_leaf = [](vel_node_t **position) { return position[0] == nullptr; };
@@ -64,6 +62,8 @@ int compute_value(const vel_expression_t *expression, vel_node_t **nodes, double
   };
   return sample_parents(nodes, block, 1, samples, at_leaf, leaf);
 }
+
+}  // namespace
 
 int generate_utility(vel_table_t *table, float **data, vel_expression_t **expressions,
                      const vel_control_t *control, double *block, batch_plan_t *batch) {

@@ -21,6 +21,8 @@ int64_t get_inferred_state(const vel_node_t *node) {
   return state;
 }
 
+namespace {
+
 int value_is_needed(const vel_node_t *node) {
   if (node->children == nullptr) return 0;
   for (vel_node_t **c = node->children; *c != nullptr; ++c) {
@@ -32,8 +34,6 @@ int value_is_needed(const vel_node_t *node) {
   }
   return 0;
 }
-
-namespace {
 
 double expected_state_value(const vel_node_t *node) {
   double sum = 0.0;

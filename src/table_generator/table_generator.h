@@ -1,5 +1,5 @@
-// The table generator's entries: the _vel_ ones shared with the host (C
-// linkage) and the functions private to the module.
+// The table generator's functions private to the module; its entries for
+// the rest of the library are in entries.h.
 #pragma once
 
 #include <cstddef>
@@ -7,19 +7,7 @@
 
 #include "host/records.h"
 #include "table_generator/builder_arguments.h"
-
-extern "C" {
-
-int _vel_jt_generate_tables(vel_junction_tree_t *junction_tree);
-int _vel_check_state_values(vel_node_t *node);
-int _vel_assign_types(vel_expression_t *expression, uint32_t mode);
-int _vel_node_compute_function_value(vel_node_t *node, uint32_t mode);
-void _vel_invalidate_function_value(vel_node_t *node, uint32_t mode);
-void _vel_invalidate_function_children(vel_node_t *node, uint32_t mode);
-void _vel_domain_initialize_function_status_codes(vel_domain_t *domain);
-void _vel_cc_initialize_function_status_codes(vel_collection_t *collection, uint64_t first);
-
-}  // extern "C"
+#include "table_generator/entries.h"
 
 // Texts of the named operators, indexed by operator code - 60 (codes 60..100).
 extern const char *const operator_names[41];
@@ -73,8 +61,6 @@ int place_state(double *result, uint64_t n, uint64_t state);
 inline void set_entry(double *result, uint64_t n, uint64_t i, double p) {
   result[i] = result[n + i] = result[2 * n + i] = p;
 }
-int check_state_range(double lower, double upper, vel_node_t *node, uint64_t n,
-                      uint32_t op, int truncated);
 
 // Generation (driver.cpp, generate_probability.cpp, generate_utility.cpp).
 // The driver's messages, each taking one %s (the node's name or an index).
@@ -90,8 +76,6 @@ int generate_probability(vel_table_t *table, double *work, float **data,
 // `block`: three doubles (value, minimum, maximum) per table node and one more.
 int generate_utility(vel_table_t *table, float **data, vel_expression_t **expressions,
                      const vel_control_t *control, double *block, batch_plan_t *batch);
-int compute_value(const vel_expression_t *expression, vel_node_t **nodes, double *block,
-                  uint64_t samples);
 
 // Checks shared by generation and vel_node_check_model (state_value_checks.cpp,
 // check_model.cpp).  The host's verdict on the node's state values; 0 for
@@ -116,16 +100,9 @@ int unbounded_interval_point(double lo, double hi, double *point);
 // Values from inference (inference_values.cpp).
 int compute_dcu_value(vel_node_t *node);
 int64_t get_inferred_state(const vel_node_t *node);
-int value_is_needed(const vel_node_t *node);
 
 // Function nodes (function_nodes.cpp).
 int evaluate_function_node(vel_node_t *node, uint32_t mode);
-void initialize_ancestors(vel_node_t *node, uint32_t mode);
-void clear_ancestors(vel_node_t *node);
-int compute_function_value(vel_node_t *node, uint32_t mode);
-int compute_function_value_aux(vel_node_t *node, uint32_t mode);
-vel_expression_t *get_expression(const vel_model_t *model);
-int eval_expression_nodes(const vel_expression_t *expression, uint32_t mode);
 // Nonzero when the model's value depends on the node: its expressions refer
 // to it, or it is a model node (which selects the expression).
 int model_uses_node(const vel_model_t *model, const vel_node_t *node);
