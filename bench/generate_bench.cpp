@@ -19,6 +19,8 @@
 #include "special/special.h"
 #include "vel/vel.h"
 
+using namespace vel::special;
+
 namespace {
 
 constexpr int kStatesA = 200;

@@ -7,6 +7,8 @@
 
 #include "special/special.h"
 
+using namespace vel::special;
+
 namespace {
 
 constexpr double max = DBL_MAX;

@@ -6,6 +6,8 @@
 #include "special/interval_difference.h"
 #include "special/special.h"
 
+using namespace vel::special;
+
 namespace {
 
 constexpr double kScales[] = {0.5, 1, 2, 4, 8};

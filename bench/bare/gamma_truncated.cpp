@@ -8,6 +8,8 @@
 #include "special/interval_difference.h"
 #include "special/special.h"
 
+using namespace vel::special;
+
 namespace {
 
 constexpr double kLower = 2.25, kUpper = 50.25;

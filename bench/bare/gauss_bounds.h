@@ -7,6 +7,8 @@
 
 #include "special/special.h"
 
+using namespace vel::special;
+
 namespace bare {
 
 constexpr double erf_breakpoint = 0.46875;

@@ -7,6 +7,8 @@
 #include "special/interval_difference.h"
 #include "special/special.h"
 
+using namespace vel::special;
+
 namespace {
 
 constexpr double kTops[] = {10, 12, 14, 16, 20};

@@ -8,6 +8,8 @@
 #include "special/interval_difference.h"
 #include "special/special.h"
 
+using namespace vel::special;
+
 namespace {
 
 class PoissonInterval : public BareTable {

@@ -47,7 +47,7 @@ extern "C" int _vel_aggregate(const vel_node_t *node, const float *count_beliefs
       last.item_bounds.assign(item->state_values, item->state_values + item->state_count + 1);
       last.bounds.assign(node->state_values, node->state_values + node->state_count + 1);
       last.row.assign(node->state_count, 0.0);
-      last.code = aggregate_sum(count_beliefs, count_state_count, item->belief_table->data, item->state_values,
+      last.code = vel::special::aggregate_sum(count_beliefs, count_state_count, item->belief_table->data, item->state_values,
                                 item->state_count, node->state_values, node->state_count, last.row.data());
     }
     if (last.code == 0) std::copy(last.row.begin(), last.row.end(), out);

@@ -51,6 +51,8 @@
 #include "special/aggregate_sum.h"
 #include "vel/vel.h"
 
+namespace vel::special {
+
 namespace {
 
 constexpr double kInfinite = 1.7976931348623157e308;
@@ -331,3 +333,5 @@ int aggregate_sum(const float *count_beliefs, uint64_t count_states, const float
   }
   return 0;
 }
+
+}  // namespace vel::special

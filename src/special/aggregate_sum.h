@@ -5,6 +5,8 @@
 
 #include <cstdint>
 
+namespace vel::special {
+
 // Masses of S = X_1 + ... + X_N on the intervals (bounds[i], bounds[i + 1]),
 // i < n: N's state i is the count i with weight count_beliefs[i]; X has
 // belief item_beliefs[i] on (item_bounds[i], item_bounds[i + 1]).  Returns 0,
@@ -14,3 +16,5 @@
 int aggregate_sum(const float *count_beliefs, uint64_t count_states, const float *item_beliefs,
                   const double *item_bounds, uint64_t item_states, const double *bounds, uint64_t n,
                   double *out);
+
+}  // namespace vel::special

@@ -7,6 +7,8 @@
 #include "special/special.h"
 #include "special/toms_shared.h"
 
+namespace vel::special {
+
 int bgrat(double a, double b, double x, double y, double *w, double eps) {
   const double bm1 = (b - 0.5) - 0.5;
   const double nu = a + 0.5 * bm1;
@@ -144,3 +146,5 @@ double basym(double a, double b, double lambda, double eps) {
   const double u = std::exp(-bcorr(a, b));
   return e0 * t * u * sum;
 }
+
+}  // namespace vel::special

@@ -3,6 +3,8 @@
 
 #include "special/beta_internal.h"
 
+namespace vel::special {
+
 double bfrac(double a, double b, double x, double y, double lambda, double eps) {
   const double prefactor = brcomp(a, b, x, y);
   if (prefactor == 0.0) return 0.0;
@@ -51,3 +53,5 @@ double bfrac(double a, double b, double x, double y, double lambda, double eps) 
   }
   return prefactor * r;
 }
+
+}  // namespace vel::special

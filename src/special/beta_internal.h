@@ -5,6 +5,8 @@
 
 #include "special/min_max.h"
 
+namespace vel::special {
+
 // --- Series (beta_series.cpp) ---
 
 // I_x(a, b) for b < min(eps, eps*a) and x <= 0.5.
@@ -73,3 +75,5 @@ double psi(double xx);
 // a + b - 1 and a + b - 2 summed in 80-bit precision and rounded once.
 double sum_minus_one(double a, double b);
 double sum_minus_two(double a, double b);
+
+}  // namespace vel::special

@@ -5,6 +5,8 @@
 #include "special/beta_internal.h"
 #include "special/toms_shared.h"
 
+namespace vel::special {
+
 namespace {
 
 const double rt2pin = .398942280401433;  // 1/sqrt(2 pi), published digits
@@ -146,3 +148,5 @@ double brcmp1(int mu, double a, double b, double x, double y) {
   const double c = (1.0 + gam1(a)) * (1.0 + gam1(b)) / reciprocal_gamma_sum(a, b);
   return result * (a0 * c) / (1.0 + a0 / b0);
 }
+
+}  // namespace vel::special

@@ -5,6 +5,8 @@
 #include "special/beta_internal.h"
 #include "special/special.h"
 
+namespace vel::special {
+
 namespace {
 
 // Three times the double-precision epsilon: the tolerance on x + y = 1.
@@ -176,3 +178,5 @@ int beta_ratio(double *w, double *w1, double a, double b, double x, double y) {
   if (min_or_second(a, b) > 1.0) return large_parameters(a, b, x, y, w, w1);
   return small_parameters(a, b, x, y, w, w1);
 }
+
+}  // namespace vel::special

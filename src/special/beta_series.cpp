@@ -5,6 +5,8 @@
 #include "special/beta_internal.h"
 #include "special/toms_shared.h"
 
+namespace vel::special {
+
 double fpser(double a, double b, double x, double eps) {
   double result = 1.0;
   if (a > 1e-3 * eps) {
@@ -137,3 +139,5 @@ double bup(double a, double b, double x, double y, int n, double eps) {
   }
   return result * w;
 }
+
+}  // namespace vel::special

@@ -5,6 +5,8 @@
 
 #include "special/special.h"
 
+namespace vel::special {
+
 namespace {
 
 constexpr double sqrpi = 5.6418958354775628695E-1;  // 1/sqrt(pi)
@@ -119,3 +121,5 @@ double calerf(uint32_t jint, double x) {
   }
   return result;
 }
+
+}  // namespace vel::special

@@ -5,6 +5,8 @@
 #include "special/extended_precision.h"
 #include "special/beta_internal.h"
 
+namespace vel::special {
+
 // 80-bit sums: a + b - 1 and a + b - 2 cancel when a + b is near 1 or 2.
 double sum_minus_one(double a, double b) {
   const long double sum = static_cast<long double>(a) + static_cast<long double>(b) - 1.0L;
@@ -142,3 +144,5 @@ double psi(double xx) {
   }
   return aug + std::log(x);
 }
+
+}  // namespace vel::special

@@ -4,6 +4,8 @@
 #include "special/special.h"
 #include "special/toms_shared.h"
 
+namespace vel::special {
+
 namespace {
 
 constexpr double c = .564189583547756;  // 1/sqrt(pi), published digits
@@ -103,3 +105,5 @@ double erfc1(int ind, double x) {
   if (x < 0.0) result = 2.0 - result;
   return result;
 }
+
+}  // namespace vel::special

@@ -6,6 +6,8 @@
 #include "special/special.h"
 #include "special/toms_shared.h"
 
+namespace vel::special {
+
 namespace {
 
 // ln 15, ln 16, ..., ln 177, each rounded to a 64-bit significand.
@@ -164,3 +166,5 @@ double Gamma(double a) {
   if (a < 0.0) result = (1.0 / (result * s)) / x;
   return result;
 }
+
+}  // namespace vel::special

@@ -6,6 +6,8 @@
 #include "special/special.h"
 #include "special/toms_shared.h"
 
+namespace vel::special {
+
 namespace {
 
 constexpr double e = 2.220446049250313e-16;  // double-precision epsilon
@@ -264,3 +266,5 @@ int gamma_ratio(double *p, double *q, double a, double x) {
   if (x < x0) return q_continued_fraction(p, q, a, x, r);
   return q_asymptotic(p, q, a, x, r);
 }
+
+}  // namespace vel::special

@@ -5,6 +5,8 @@
 #include "special/special.h"
 #include "special/toms_shared.h"
 
+namespace vel::special {
+
 // P(a, x) and Q(a, x) for a < 1 and x < 1.1 from the Taylor series of
 // P(a, x) / x^a; GRATIO and GRAT1 publish the same branch with different
 // tolerances.
@@ -93,3 +95,5 @@ int grat1(double a, double x, double r, double *p, double *q, double eps) {
   *p = 0.5 + (0.5 - *q);
   return 0;
 }
+
+}  // namespace vel::special

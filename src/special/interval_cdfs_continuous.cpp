@@ -9,6 +9,8 @@
 #include "special/min_max.h"
 #include "special/special.h"
 
+namespace vel::special {
+
 namespace {
 
 // The breakpoint of calerf's first range: below it erf is accurate, above it
@@ -174,3 +176,5 @@ double Triangular_cdf(double x1, double x2, double a, double m, double b) {
   if (lo < m) return triangular_cdf(lo, m, a, m, b) + triangular_cdf(hi, m, b, m, a);
   return triangular_cdf(hi, lo, b, m, a);
 }
+
+}  // namespace vel::special

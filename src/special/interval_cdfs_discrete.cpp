@@ -8,6 +8,8 @@
 #include "special/interval_ends.h"
 #include "special/special.h"
 
+namespace vel::special {
+
 namespace {
 
 // The upper tail P(X >= c) of the end at count c (lower and upper swapped
@@ -96,3 +98,5 @@ double NegativeBinomial_cdf(double x1, double x2, double r, double p, double q) 
 }
 
 double Geometric_cdf(double x1, double x2, double p, double q) { return NegativeBinomial_cdf(x1, x2, 1.0, p, q); }
+
+}  // namespace vel::special

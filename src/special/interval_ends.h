@@ -11,6 +11,8 @@
 #include <cstdint>
 #include <cstring>
 
+namespace vel::special {
+
 // A few ends, found again by the exact bits of their point.  The first two
 // ends stored stay (a row's normaliser asks first, for the truncation
 // bounds, which the first and last states may reach); later ones take turns
@@ -81,3 +83,5 @@ double weibull_interval(double x1, double x2, double k, double lambda, TailEnds 
 double binomial_interval(double x1, double x2, double n, double p, double q, RatioEnds &ends);
 double poisson_interval(double x1, double x2, double lambda, RatioEnds &ends);
 double negative_binomial_interval(double x1, double x2, double r, double p, double q, RatioEnds &ends);
+
+}  // namespace vel::special

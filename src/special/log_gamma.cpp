@@ -4,6 +4,8 @@
 
 #include "special/beta_internal.h"
 
+namespace vel::special {
+
 namespace {
 
 // Coefficients of del(a) = ln Gamma(a) - (a - 0.5) ln a + a - 0.5 ln(2 pi),
@@ -182,3 +184,5 @@ double betaln(double a0, double b0) {
   }
   return w + std::log(z) + (gamln(a) + (gamln(b) - gsumln(a, b)));
 }
+
+}  // namespace vel::special

@@ -3,5 +3,9 @@
 // b (a bound replaces a NaN point), and on equality b is returned.
 #pragma once
 
+namespace vel::special {
+
 inline double max_or_second(double a, double b) { return a > b ? a : b; }
 inline double min_or_second(double a, double b) { return a < b ? a : b; }
+
+}  // namespace vel::special

@@ -16,6 +16,8 @@ double _vel_Poisson_cdf(double x1, double x2, double lambda);
 
 }  // extern "C"
 
+namespace vel::special {
+
 // Interval probabilities private to the library (interval_cdfs_continuous.cpp,
 // interval_cdfs_discrete.cpp).
 double LogNormal_cdf(double x1, double x2, double mean, double variance);
@@ -41,3 +43,5 @@ int gamma_ratio(double *p, double *q, double a, double x);
 // Gamma function and the extended-precision logarithm it uses (gamma_function.cpp).
 double Gamma(double a);
 long double glog(double x);
+
+}  // namespace vel::special

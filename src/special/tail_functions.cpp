@@ -5,6 +5,8 @@
 
 #include "special/special.h"
 
+namespace vel::special {
+
 extern "C" double _vel_normal_c(double x) { return _vel_Gauss_cdf(x, DBL_MAX, 0.0, 1.0); }
 
 extern "C" double _vel_chi_square_c(double x, uint64_t df) {
@@ -19,3 +21,5 @@ extern "C" double _vel_F_distribution_c(double x, uint64_t d1, double d2) {
   const double t = n1 * x;
   return Beta_cdf(t / (t + d2), 1.0, 0.5 * n1, 0.5 * d2, 0.0, 1.0);
 }
+
+}  // namespace vel::special

@@ -4,6 +4,8 @@
 
 #include <cmath>
 
+namespace vel::special {
+
 // The published machine-constant lookup, fixed at the IEEE double exponent
 // range (emax 1024, emin - 1 = -1022) and the published ln 2.
 double exparg(int l) {
@@ -92,3 +94,5 @@ double rlog(double x) {
   const double w = ((p2 * t + p1) * t + p0) / ((q2 * t + q1) * t + 1.0);
   return 2.0 * t * (1.0 / (1.0 - r) - r * w) + w1;
 }
+
+}  // namespace vel::special

@@ -2,6 +2,8 @@
 // packages (ACM TOMS 654 and 708), under their published names.
 #pragma once
 
+namespace vel::special {
+
 // Largest (l == 0) or most negative (l != 0) w for which exp(w) is finite
 // and nonzero in double precision.
 double exparg(int l);
@@ -20,3 +22,5 @@ int small_x_ratios(double a, double x, double tol, double *p, double *q);
 // Q(a, x) / r, r = exp(-x) x^a / Gamma(a), by the continued fraction for
 // x >= 1.1, iterated until two successive convergents agree within tol.
 double continued_fraction_q_over_r(double a, double x, double tol);
+
+}  // namespace vel::special

@@ -42,35 +42,35 @@ template <typename Visit>
 int with_interval_function(const continuous_law_t &law, Visit visit) {
   const double a = law.p[0], b = law.p[1], c = law.p[2], d = law.p[3];
   const double location = law.location;
-  GaussEnds gauss;
-  RatioEnds ratio;
-  TailEnds tail;
+  vel::special::GaussEnds gauss;
+  vel::special::RatioEnds ratio;
+  vel::special::TailEnds tail;
   switch (law.op) {
     case vel_op_Normal:
-      return visit([&](double x1, double x2) { return gauss_interval(x1, x2, a, b, gauss); });
+      return visit([&](double x1, double x2) { return vel::special::gauss_interval(x1, x2, a, b, gauss); });
     case vel_op_LogNormal:
       return visit([&](double x1, double x2) {
-        return log_normal_interval(shift(x1, location), shift(x2, location), a, b, gauss);
+        return vel::special::log_normal_interval(shift(x1, location), shift(x2, location), a, b, gauss);
       });
     case vel_op_Beta:
     case vel_op_PERT:
-      return visit([&](double x1, double x2) { return beta_interval(x1, x2, a, b, c, d, ratio); });
+      return visit([&](double x1, double x2) { return vel::special::beta_interval(x1, x2, a, b, c, d, ratio); });
     case vel_op_Gamma:
       return visit([&](double x1, double x2) {
-        return gamma_interval(shift(x1, location), shift(x2, location), a, b, ratio);
+        return vel::special::gamma_interval(shift(x1, location), shift(x2, location), a, b, ratio);
       });
     case vel_op_Exponential:
       return visit([&](double x1, double x2) {
-        return weibull_interval(shift(x1, location), shift(x2, location), 1.0, a, tail);
+        return vel::special::weibull_interval(shift(x1, location), shift(x2, location), 1.0, a, tail);
       });
     case vel_op_Weibull:
       return visit([&](double x1, double x2) {
-        return weibull_interval(shift(x1, location), shift(x2, location), a, b, tail);
+        return vel::special::weibull_interval(shift(x1, location), shift(x2, location), a, b, tail);
       });
     case vel_op_Uniform:
-      return visit([=](double x1, double x2) { return Uniform_cdf(x1, x2, a, b); });
+      return visit([=](double x1, double x2) { return vel::special::Uniform_cdf(x1, x2, a, b); });
     case vel_op_Triangular:
-      return visit([=](double x1, double x2) { return Triangular_cdf(x1, x2, a, b, c); });
+      return visit([=](double x1, double x2) { return vel::special::Triangular_cdf(x1, x2, a, b, c); });
     default:
       return vel::fail(vel_error_unsupported);
   }

@@ -58,14 +58,14 @@ int read_discrete_law(const builder_arguments_t &distribution, discrete_law_t *l
 
 // Mass of the counts k with x1 <= k < x2; x2 = DBL_MAX takes the whole tail.
 // The masses of one row share `ends`, so each end is evaluated once.
-double count_mass(const discrete_law_t *law, double x1, double x2, RatioEnds &ends) {
+double count_mass(const discrete_law_t *law, double x1, double x2, vel::special::RatioEnds &ends) {
   switch (law->op) {
     case vel_op_Binomial:
-      return binomial_interval(x1, x2, law->first, law->p, law->q, ends);
+      return vel::special::binomial_interval(x1, x2, law->first, law->p, law->q, ends);
     case vel_op_Poisson:
-      return poisson_interval(x1, x2, law->first, ends);
+      return vel::special::poisson_interval(x1, x2, law->first, ends);
     default:  // NegativeBinomial, and Geometric with r = 1
-      return negative_binomial_interval(x1, x2, law->first, law->p, law->q, ends);
+      return vel::special::negative_binomial_interval(x1, x2, law->first, law->p, law->q, ends);
   }
 }
 
@@ -107,7 +107,7 @@ int on_numbered(const discrete_law_t *law, double *result, uint64_t n) {
     if (k > 0) mass = poisson ? mass * r / kk : mass * law->q * (kk - 1 + r) / kk;
     set_entry(result, n, k, mass);
   }
-  RatioEnds ends;
+  vel::special::RatioEnds ends;
   const double tail = count_mass(law, static_cast<double>(last), DBL_MAX, ends);
   if (tail < 0) return _vel_error_code;
   set_entry(result, n, last, tail);
@@ -124,7 +124,7 @@ int on_interval(const discrete_law_t *law, const vel_node_t *node, double *resul
   }
   if (n == 0) return 0;
   const uint64_t end = binomial ? n - 1 : n;
-  RatioEnds ends;
+  vel::special::RatioEnds ends;
   double x = v[0];
   for (uint64_t i = 0; i < end; ++i) {
     double mass = 0.0;

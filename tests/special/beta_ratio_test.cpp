@@ -10,6 +10,8 @@
 #include "special/beta_internal.h"
 #include "special/special.h"
 
+using namespace vel::special;
+
 namespace {
 
 struct Ratio {

@@ -4,6 +4,8 @@
 
 #include "special/special.h"
 
+using namespace vel::special;
+
 namespace {
 
 TEST(ErrorFunctions, ExactValuesAtZeroAndInTheTails) {

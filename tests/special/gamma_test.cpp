@@ -10,6 +10,8 @@
 #include "special/special.h"
 #include "special/toms_shared.h"
 
+using namespace vel::special;
+
 namespace {
 
 constexpr double max_double = 1.7976931348623157e308;

@@ -11,6 +11,8 @@
 #include "common/error.h"
 #include "special/special.h"
 
+using namespace vel::special;
+
 namespace {
 
 constexpr double max = DBL_MAX;

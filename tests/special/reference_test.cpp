@@ -17,6 +17,8 @@
 
 #include "special/special.h"
 
+using namespace vel::special;
+
 namespace {
 
 using Inputs = std::vector<double>;
