@@ -4,7 +4,8 @@ set -euo pipefail
 
 packages=(g++ gcc cmake make pkgconf libgtest-dev libgmock-dev libbenchmark-dev
           libyaml-cpp-dev nlohmann-json3-dev libcli11-dev libexpat1-dev python3-mpmath
-          python3-numpy python3-scipy toulbar2)
+          python3-numpy python3-scipy toulbar2
+          clang libclang-rt-14-dev python3)  # fuzzing (libFuzzer) and the hostile-input suite
 
 missing=()
 for p in "${packages[@]}"; do
