@@ -20,7 +20,7 @@
 namespace {
 
 constexpr int thread_count = 4;
-constexpr int rounds = 8;
+constexpr int rounds = 25;
 
 const char *const models[] = {
     "examples/weather.yaml",
