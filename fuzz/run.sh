@@ -10,7 +10,7 @@ cd "$(dirname "$0")/.."
 source fuzz/targets.sh
 
 # Mutations per target, each about a minute on one shared core.
-declare -A runs=([expression]=200000 [model_file]=30000 [bif]=60000 [xmlbif]=60000)
+declare -A runs=([expression]=250000 [model_file]=60000 [bif]=120000 [xmlbif]=120000)
 
 bash fuzz/build.sh
 mkdir -p build-fuzz/artifacts build-fuzz/logs
