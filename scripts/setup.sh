@@ -6,7 +6,8 @@ packages=(g++ gcc cmake make pkgconf libgtest-dev libgmock-dev libbenchmark-dev
           libyaml-cpp-dev nlohmann-json3-dev libcli11-dev libexpat1-dev python3-mpmath
           python3-numpy python3-scipy python3-yaml toulbar2
           python3-matplotlib python3-pytest python3-venv python3-pip python3-setuptools python3-wheel
-          chromium)
+          chromium
+          clang libclang-rt-14-dev python3)  # fuzzing (libFuzzer) and the hostile-input suite
 
 missing=()
 for p in "${packages[@]}"; do

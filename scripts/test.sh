@@ -2,17 +2,20 @@
 # Sets up, builds and runs the whole test suite.
 #   scripts/test.sh            normal build in build/
 #   scripts/test.sh --sanitize the same suite with the sanitizers, in build-sanitize/
+#   scripts/test.sh --thread   the threads test alone under the thread sanitizer,
+#                              in build-tsan/
+# VEL_WERROR=ON makes warnings errors (CI sets it).
 # The set-up and build output goes to BUILD/test-build.log and is shown only
 # when something fails; what remains is the test summary.
 set -euo pipefail
 cd "$(dirname "$0")/.."
 
 build=build
-flags=()
-if [ "${1:-}" = "--sanitize" ]; then
-  build=build-sanitize
-  flags=(-DVEL_SANITIZE=ON)
-fi
+flags=(-DVEL_WERROR="${VEL_WERROR:-OFF}")
+case "${1:-}" in
+  --sanitize) build=build-sanitize; flags+=(-DVEL_SANITIZE=ON) ;;
+  --thread) build=build-tsan; flags+=(-DVEL_TSAN=ON) ;;
+esac
 
 mkdir -p "$build"
 log="$build/test-build.log"

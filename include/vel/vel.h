@@ -305,11 +305,23 @@ size_t vel_expression_print(const vel_expression_t *expression, char *buffer, si
 /* The largest table the library makes: 2^32 entries (16 GiB of floats). */
 static const uint64_t vel_max_table_entries = (uint64_t)1 << 32;
 
+/* The most nodes a table may have (discrete parents, and the node itself
+ * when it has states): generation walks them one stack frame each.  Only
+ * parents with a single state let a table come near it. */
+static const uint64_t vel_max_table_nodes = 1000;
+
+/* The most sample points a generation computes: every configuration of a
+ * table's parents averages its rows over each interval parent's sample
+ * points (samples_per_interval per bounded state), so a table's points are
+ * the product over its parents of their states' point counts.  Beyond it,
+ * generation fails with vel_error_too_large before computing anything. */
+static const uint64_t vel_max_sample_points = (uint64_t)1 << 40;
+
 /* The node's table, created if needed: its nodes in storage order are the
  * node's discrete parents in parent order, then the node itself when it has
  * states.  NULL for a real-valued function node, and for a table of more
- * than vel_max_table_entries entries (vel_error_too_large, refused before
- * anything is allocated). */
+ * than vel_max_table_entries entries or vel_max_table_nodes nodes
+ * (vel_error_too_large, refused before anything is allocated). */
 vel_table_t *vel_node_get_table(vel_node_t *node);
 vel_node_t *const *vel_table_get_nodes(const vel_table_t *table);
 size_t vel_table_get_node_count(const vel_table_t *table);

@@ -82,9 +82,12 @@ vel_model_t *vel_node_new_model(vel_node_t *node, vel_node_t *const *model_nodes
       return nullptr;
     }
     auto storage = std::make_unique<ModelStorage>();
+    // Hashed, so that a model over many parents costs no search per node.
+    std::unordered_set<const vel_node_t *> parents, seen;
+    for (vel_node_t *const *parent = node->parents; parent && *parent; ++parent) parents.insert(*parent);
     for (vel_node_t *const *entry = model_nodes; entry && *entry; ++entry) {
       vel_node_t *model_node = *entry;
-      if (!_vel_node_in_list(model_node, node->parents)) {
+      if (parents.count(model_node) == 0) {
         usage(std::string("model node ") + model_node->name + " is not a parent of " + name);
         return nullptr;
       }
@@ -92,11 +95,10 @@ vel_model_t *vel_node_new_model(vel_node_t *node, vel_node_t *const *model_nodes
         usage(std::string("model node ") + model_node->name + " of " + name + " has no states");
         return nullptr;
       }
-      for (vel_node_t *earlier : storage->nodes)
-        if (earlier == model_node) {
-          usage(std::string("model node ") + model_node->name + " of " + name + " appears twice");
-          return nullptr;
-        }
+      if (!seen.insert(model_node).second) {
+        usage(std::string("model node ") + model_node->name + " of " + name + " appears twice");
+        return nullptr;
+      }
       storage->nodes.push_back(model_node);
     }
     storage->nodes.push_back(nullptr);

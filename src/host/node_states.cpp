@@ -101,7 +101,9 @@ int vel_node_set_state_label(vel_node_t *node, size_t state, const char *label) 
       return usage("node " + name_of(node) + " has no state " + std::to_string(state));
     NodeStorage &storage = vel::host::storage_of(node);
     storage.labels[state] = label;
-    vel::host::sync_labels(storage);
+    // Only this label's text may have moved: setting every label of a node
+    // costs time linear in their number.
+    storage.label_pointers[state] = storage.labels[state].data();
     vel::host::outdate_models(node);
     return _vel_error_code = 0;
   });

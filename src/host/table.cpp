@@ -108,6 +108,14 @@ vel_table_t *vel_node_get_table(vel_node_t *node) {
       vel::fail(vel_error_too_large);
       return nullptr;
     }
+    if (nodes.size() - 1 > vel_max_table_nodes) {
+      vel::set_error_message(("the table of " + std::string(node->name) + " would have " +
+                              std::to_string(nodes.size() - 1) + " nodes, more than the limit of " +
+                              std::to_string(vel_max_table_nodes))
+                                 .c_str());
+      vel::fail(vel_error_too_large);
+      return nullptr;
+    }
     std::vector<float> data(size, 0.0f);
     if (!storage.table) storage.table = std::make_unique<TableStorage>();
     TableStorage &table = *storage.table;

@@ -60,6 +60,7 @@ void set_beliefs(const Source &source, const NodeDecl &decl, const Entry &entry)
   if (count != states)
     source.fail(entry.key, "'beliefs' of '" + decl.name + "' needs " + std::to_string(states) +
                                " entries, one per state; found " + std::to_string(count));
+  charge_list(source, entry.value);
   std::vector<double> beliefs;
   for (const YAML::Node &item : entry.value) {
     const double belief = read_number(source, item, "a belief");

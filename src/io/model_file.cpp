@@ -46,7 +46,7 @@ LoadedModel build(const Source &source, const YAML::Node &root) {
 }  // namespace
 
 LoadedModel load_model_text(const std::string &text, const std::string &file_name) {
-  const Source source{file_name};
+  const Source source{file_name, detail::reading_allowance(text.size())};
   try {
     return build(source, detail::load_single_document(source, text));
   } catch (const YAML::Exception &error) {

@@ -95,12 +95,14 @@ void set_states(const Source &source, NodeDecl &decl, int subtype) {
     source.fail(states.value_mark(), "an interval node needs at least two bounds");
 
   const std::size_t count = subtype == vel_subtype_interval ? entries - 1 : entries;
+  charge_list(source, states.value);
   if (vel_node_set_number_of_states(decl.node, count) != 0)
     library_failure(source, states.key.Mark(), "cannot set the states of '" + decl.name + "'");
   for (std::size_t i = 0; i < entries; ++i) {
     const YAML::Node item = states.value[i];
     if (subtype == vel_subtype_labeled) {
       if (!item.IsScalar()) source.fail(item, "a state label must be a string");
+      charge_text(source, item);
       if (vel_node_set_state_label(decl.node, i, item.Scalar().c_str()) != 0)
         library_failure(source, item.Mark(), "cannot set the label '" + item.Scalar() + "'");
     } else {

@@ -1,10 +1,12 @@
 // Third stage of loading: models (model nodes, expressions, samples per
 // interval) and literal tables.
-#include <algorithm>
 #include <cmath>
 #include <limits>
 #include <memory>
 #include <string>
+#include <string_view>
+#include <unordered_map>
+#include <unordered_set>
 #include <vector>
 
 #include "io/loader_parts.h"
@@ -13,12 +15,6 @@ namespace vel::io::detail {
 
 namespace {
 
-vel_node_t *find_parent(vel_node_t *node, const std::string &name) {
-  for (vel_node_t *const *parent = vel_node_get_parents(node); parent && *parent; ++parent)
-    if (name == vel_node_get_name(*parent)) return *parent;
-  return nullptr;
-}
-
 std::vector<vel_node_t *> read_model_nodes(const Source &source, const NodeDecl &decl,
                                            const YAML::Node &model) {
   const Entry nodes = find(model, "nodes");
@@ -26,15 +22,22 @@ std::vector<vel_node_t *> read_model_nodes(const Source &source, const NodeDecl 
   std::vector<vel_node_t *> result;
   if (nodes.value.IsNull()) return result;
   require_sequence(source, nodes, "the model's 'nodes'");
+  charge_list(source, nodes.value);
+  // Hashed, so that a model over many parents costs no search per node.
+  std::unordered_map<std::string_view, vel_node_t *> discrete_parents;
+  for (vel_node_t *const *parent = vel_node_get_parents(decl.node); *parent; ++parent)
+    if (vel_node_get_kind(*parent) == vel_kind_discrete)
+      discrete_parents.emplace(vel_node_get_name(*parent), *parent);
+  std::unordered_set<vel_node_t *> seen;
   for (const YAML::Node &item : nodes.value) {
     if (!item.IsScalar()) source.fail(item, "a model node must be a node name");
+    charge_text(source, item);
     const std::string &name = item.Scalar();
-    vel_node_t *node = find_parent(decl.node, name);
-    if (!node || vel_node_get_kind(node) != vel_kind_discrete)
+    const auto found = discrete_parents.find(name);
+    if (found == discrete_parents.end())
       source.fail(item, "model node '" + name + "' is not a discrete parent of '" + decl.name + "'");
-    if (std::find(result.begin(), result.end(), node) != result.end())
-      source.fail(item, "duplicate model node '" + name + "'");
-    result.push_back(node);
+    if (!seen.insert(found->second).second) source.fail(item, "duplicate model node '" + name + "'");
+    result.push_back(found->second);
   }
   return result;
 }
@@ -55,6 +58,7 @@ void read_expressions(const Source &source, NodeDecl &decl, vel_model_t *model,
     source.fail(expressions.key, "'expressions' of '" + decl.name + "' needs " + std::to_string(size) +
                                      " entries, one per configuration of the model nodes; found " +
                                      std::to_string(count));
+  charge_list(source, expressions.value);
   std::vector<OwnedExpression> parsed;
   parsed.reserve(count);
   decl.where.expressions.reserve(count);
@@ -67,6 +71,7 @@ void read_expressions(const Source &source, NodeDecl &decl, vel_model_t *model,
       continue;
     }
     if (!item.IsScalar()) source.fail(item, "an expression must be a string or null");
+    charge_text(source, item);
     const std::string prefix = "node " + decl.name + ", expression " + std::to_string(i) + ": ";
     parsed.emplace_back(vel_parse_expression(item.Scalar().c_str(), decl.node));
     if (!parsed.back())
@@ -124,8 +129,10 @@ void attach_table(const Source &source, NodeDecl &decl, const Entry &entry) {
   const std::size_t size = table_size(decl.node);
   const std::size_t count = entry.value.size();
   if (count != size)
-    source.fail(entry.key, "the table of '" + decl.name + "' needs " + std::to_string(size) +
+    source.fail(entry.key, "the table of '" + decl.name + "' needs " +
+                               (size == SIZE_MAX ? "at least 2^64" : std::to_string(size)) +
                                " entries; found " + std::to_string(count));
+  charge_list(source, entry.value);
   if (!vel_node_get_table(decl.node))
     source.fail(entry.key, "cannot make the table of '" + decl.name + "': " + library_reason());
   std::vector<double> entries;

@@ -25,10 +25,12 @@ void connect_parents(const Source &source, const std::vector<NodeDecl> &decls) {
     const Entry parents = find(decl.map, "parents");
     if (is_null(parents)) continue;
     require_sequence(source, parents, "'parents'");
+    charge_list(source, parents.value);
     const bool is_function = vel_node_get_category(decl.node) == vel_category_function;
     std::unordered_set<std::string> seen;
     for (const YAML::Node &item : parents.value) {
       if (!item.IsScalar()) source.fail(item, "a parent must be a node name");
+      charge_text(source, item);
       const std::string &name = item.Scalar();
       const auto found = by_name.find(name);
       if (found == by_name.end()) source.fail(item, "unknown parent '" + name + "'");

@@ -22,6 +22,30 @@ void Source::fail(const YAML::Node &at, const std::string &message) const {
   fail(at.Mark(), message);
 }
 
+std::size_t reading_allowance(std::size_t file_size) {
+  constexpr std::size_t extra = std::size_t{16} << 20;
+  return file_size > (SIZE_MAX - extra) / 4 ? SIZE_MAX : 4 * file_size + extra;
+}
+
+namespace {
+
+void charge(const Source &source, const YAML::Node &at, std::size_t cost) {
+  if (cost > source.reading_left)
+    source.fail(at, "the file's aliases repeat too much: reading it would take more than four times "
+                    "its size and 16 MiB");
+  source.reading_left -= cost;
+}
+
+}  // namespace
+
+void charge_list(const Source &source, const YAML::Node &list) {
+  charge(source, list, list.size());
+}
+
+void charge_text(const Source &source, const YAML::Node &item) {
+  if (item.IsScalar()) charge(source, item, item.Scalar().size());
+}
+
 YAML::Mark Entry::value_mark() const {
   return value.IsNull() ? key.Mark() : value.Mark();
 }

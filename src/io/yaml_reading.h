@@ -16,10 +16,24 @@ namespace vel::io::detail {
 // The file being read; turns marks into "FILE:LINE:COLUMN: message" errors.
 struct Source {
   std::string file;
+  // What the loader may still read (see charge_list, charge_text).
+  mutable std::size_t reading_left = 0;
 
   [[noreturn]] void fail(const YAML::Mark &mark, const std::string &message) const;
   [[noreturn]] void fail(const YAML::Node &at, const std::string &message) const;
 };
+
+// What reading a file may cost: four times its size and 16 MiB more.  An
+// alias repeats an anchored list or text for a few bytes, so that a small
+// file could otherwise make the loader read, parse and store without end; a
+// file without aliases never comes near the bound.
+std::size_t reading_allowance(std::size_t file_size);
+
+// Counts a list's items (one each) and a scalar's text against what is left
+// to read, before they are stored; refused at `at` when the file's aliases
+// have made it read more than its allowance.
+void charge_list(const Source &source, const YAML::Node &list);
+void charge_text(const Source &source, const YAML::Node &item);
 
 // A key of a mapping with its value.
 struct Entry {

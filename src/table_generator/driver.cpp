@@ -108,6 +108,38 @@ int fetch_function_parent_values(vel_node_t *node) {
   return 0;
 }
 
+// Every configuration of the table's parents averages its rows over the
+// product of its interval parents' sample points (samples per bounded state
+// of nonzero width, one per other state), so the points of the whole table
+// are the product over parents of their states' point counts.  Counted in
+// double, which neither overflows nor misjudges the limit by more than a
+// rounding.
+int check_sample_points(const vel_node_t *node, const vel_table_t *table, uint64_t samples) {
+  double points = 1.0;
+  for (uint64_t i = 0; i < table->node_count; ++i) {
+    const vel_node_t *parent = table->nodes[i];
+    if (parent == node) continue;
+    double count = 0.0;
+    for (uint64_t s = 0; s < parent->state_count; ++s) {
+      double point;
+      const bool sampled = parent->subtype == vel_subtype_interval &&
+                           !unbounded_interval_point(parent->state_values[s],
+                                                     parent->state_values[s + 1], &point) &&
+                           parent->state_values[s + 1] != parent->state_values[s];
+      count += sampled ? static_cast<double>(samples) : 1.0;
+    }
+    points *= count;
+  }
+  if (points <= static_cast<double>(vel_max_sample_points)) return 0;
+  char message[200];
+  snprintf(message, sizeof message,
+           "generating the table of %s would compute %.3g sample points, more than the limit "
+           "of 2^40",
+           node->name, points);
+  vel::set_error_message(message);
+  return vel::fail(vel_error_too_large);
+}
+
 int fill_table(vel_node_t *node, vel_table_t *table, vel_model_t *model) {
   vel_control_t *control = _vel_create_control_data_for_tg(table, model);
   if (control == nullptr) return _vel_error_code;
@@ -157,6 +189,7 @@ int generate_table(vel_node_t *node) {
 
   if (int code = check_state_values_of_node_and_parents(node)) return code;
   if (int code = scan_model_expressions(node, model, log_expression_problem, domain)) return code;
+  if (int code = check_sample_points(node, table, model->samples_per_interval)) return code;
   if (int code = prepare_function_node_parents(node)) return code;
   if (int code = fetch_function_parent_values(node)) return code;
   if (int code = fill_table(node, table, model)) return code;

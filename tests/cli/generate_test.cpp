@@ -76,7 +76,9 @@ TEST(Generate, SelectionOutputAndStatus) {
     const std::string label = testing::PrintToString(c.arguments);
     EXPECT_EQ(run.status, c.status) << label;
     EXPECT_EQ(run.out, c.out) << label;
-    if (!c.err.empty()) EXPECT_EQ(run.err, c.err) << label;
+    if (!c.err.empty()) {
+      EXPECT_EQ(run.err, c.err) << label;
+    }
   }
 }
 

@@ -1,7 +1,7 @@
 // Graphs and expressions far larger than models are written by hand: long
 // chains of function nodes (evaluated and invalidated without deep
 // recursion), many nodes and edges in any order (linear checks), and calls
-// with very many arguments.
+// with very many arguments, tables over very many one-state parents.
 #include <string>
 #include <vector>
 
@@ -77,6 +77,43 @@ TEST_F(DeepGraphTest, CallWithManyArguments) {
   EXPECT_EQ(vel_make_operator(vel_op_max, arguments.data()), nullptr);
   EXPECT_STREQ(vel_error_message(), "argument 2 of max repeats argument 1");
   EXPECT_EQ(vel_expression_delete(arguments[0]), 0) << "the refused argument is its caller's again";
+}
+
+// Tables over the most nodes allowed: one-state parents, every one a model
+// node and every other one an interval parent that is sampled, each a level
+// of the generator's walks; one more parent is refused before anything is
+// made.
+TEST_F(DeepGraphTest, WidestTables) {
+  vel_node_t *child = boolean("X");
+  std::vector<vel_node_t *> wide;
+  for (uint64_t i = 0; i + 1 < vel_max_table_nodes; ++i) {
+    const std::string name = "P" + std::to_string(i);
+    wide.push_back(i % 2 ? interval(name.c_str(), {0, 1}) : labeled(name.c_str(), {"only"}));
+  }
+  parents(child, wide);
+  model(child, wide, {"if(P1 < 0.5, Distribution(1, 3), Distribution(3, 1))"});
+  // One sample point per interval, its midpoint: every further point would
+  // multiply the work by the number of interval parents.
+  vel_model_set_samples_per_interval(vel_node_get_model(child), 1);
+  ASSERT_EQ(vel_node_generate_table(child), 0) << vel_error_message();
+  EXPECT_EQ(table(child), (std::vector<double>{0.75, 0.25}));
+
+  parents(child, {labeled("Last", {"only"})});
+  EXPECT_EQ(vel_node_get_table(child), nullptr);
+  EXPECT_EQ(vel_error_code(), vel_error_too_large);
+  EXPECT_STREQ(vel_error_message(), "the table of X would have 1001 nodes, more than the limit of 1000");
+
+  // Twelve sampled intervals at 25 points each: 25^12 points for one row,
+  // refused before any is computed.
+  vel_node_t *y = boolean("Y");
+  std::vector<vel_node_t *> sampled(wide.begin() + 1, wide.begin() + 24);
+  parents(y, sampled);
+  model(y, {}, {"Distribution(1, 1)"});
+  vel_model_set_samples_per_interval(vel_node_get_model(y), 25);
+  EXPECT_EQ(vel_node_generate_table(y), vel_error_too_large);
+  EXPECT_STREQ(vel_error_message(),
+               "generating the table of Y would compute 5.96e+16 sample points, more than the "
+               "limit of 2^40");
 }
 
 }  // namespace
