@@ -262,6 +262,52 @@ class Compiler {
   bool failed_ = false;
 };
 
+// Guards, from the last instruction to the first (every user comes after
+// its operands): an instruction whose users all hold one guard holds it too;
+// the branches of an if are guarded by its condition; a value that a row's
+// shape or the root uses, or that users under different guards share, has
+// none.  A guard must be computed before the instruction and vary with no
+// deeper level, so that its value is there for every lane.
+void assign_guards(batch_program_t *program, bool probability) {
+  constexpr int32_t unset = -2;
+  batch_instruction_t *code = program->code;
+  for (uint32_t i = 0; i < program->count; ++i) code[i].guard = unset;
+  auto meet = [&](int32_t operand, int32_t guard, uint8_t when) {
+    if (operand < 0) return;
+    batch_instruction_t &in = code[operand];
+    if (in.guard == unset) {
+      in.guard = guard;
+      in.guard_when = when;
+    } else if (in.guard != guard || in.guard_when != when) {
+      in.guard = -1;
+    }
+  };
+  if (!probability) {
+    meet(program->root, -1, 0);
+  } else {
+    for (uint32_t s = 0; s < program->shape_count; ++s) {
+      meet(program->shapes[s].value, -1, 0);
+      meet(program->shapes[s].upper, -1, 0);
+    }
+    for (uint32_t k = 0; k < program->argument_count; ++k) meet(program->arguments[k], -1, 0);
+  }
+  for (uint32_t i = program->count; i-- > 0;) {
+    batch_instruction_t &in = code[i];
+    if (in.guard == unset || (in.guard >= 0 && (static_cast<uint32_t>(in.guard) >= i ||
+                                                 code[in.guard].level > in.level)))
+      in.guard = -1;
+    if (in.kind == op_if) {
+      meet(in.a, in.guard, in.guard_when);
+      meet(in.b, in.a, 1);
+      meet(in.c, in.a, 0);
+    } else {
+      meet(in.a, in.guard, in.guard_when);
+      meet(in.b, in.guard, in.guard_when);
+      meet(in.c, in.guard, in.guard_when);
+    }
+  }
+}
+
 }  // namespace
 
 int compile_program(batch_plan_t *plan, batch_program_t *program, const vel_expression_t *expression) {
@@ -274,6 +320,7 @@ int compile_program(batch_plan_t *plan, batch_program_t *program, const vel_expr
   program->root = plan->probability ? compiler.shape(expression, plan->node->subtype)
                                     : compiler.value(expression);
   program->compiled = !compiler.failed() && program->root >= 0;
+  if (program->compiled) assign_guards(program, plan->probability);
   program->block_serial = 0;
   program->reads_block_node = 0;
   const vel_node_t *block_node = plan->block_states ? plan->level_node[plan->levels] : nullptr;

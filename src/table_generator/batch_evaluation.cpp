@@ -28,6 +28,9 @@ class Evaluation {
     lanes_ = lanes_of(in.level);
     value_ = plan_->registers + i * plan_->lane_capacity;
     failed_ = plan_->failed + i * plan_->lane_capacity;
+    guard_ = in.guard >= 0 ? operand(in.guard, in.level).value : nullptr;
+    guard_spread_ = in.guard >= 0 ? operand(in.guard, in.level).spread : 1;
+    guard_when_ = in.guard_when != 0;
     bool any = false;
     switch (in.kind) {
       case op_sample:
@@ -127,42 +130,48 @@ class Evaluation {
     return any;
   }
 
+  // Whether the lane takes the branch that the instruction's value is for
+  // (always, without a guard).
+  bool taken(uint64_t lane) const { return !guard_ || (guard_[lane / guard_spread_] != 0.0) == guard_when_; }
+
+  // Runs an operator over the lanes; a library call under a guard only on
+  // the lanes that take its branch (the others hold 0, which nothing uses).
+  template <uint32_t Op, typename Apply>
+  bool apply(const Operand &a, const Operand &b, bool any, Apply op) {
+    if constexpr (numeric::calls_library(Op) || numeric::may_fail(Op)) {
+      if (!any) std::memset(failed_, 0, lanes_);
+      each(a, b, [&](uint64_t lane, uint64_t ia, uint64_t ib) {
+        if constexpr (numeric::calls_library(Op)) {
+          if (!taken(lane)) {
+            value_[lane] = 0.0;
+            return;
+          }
+        }
+        if (op(ia, ib, &value_[lane])) {
+          failed_[lane] = 1;
+          any = true;
+        }
+      });
+    } else {
+      each(a, b, [&](uint64_t lane, uint64_t ia, uint64_t ib) { op(ia, ib, &value_[lane]); });
+    }
+    return any;
+  }
+
   bool unary(uint32_t op, const Operand &a) {
     const Operand none{nullptr, nullptr, lanes_};
-    bool any = failures(a, none);
+    const bool any = failures(a, none);
     return numeric::with_unary(op, [&]<uint32_t Op>() {
-      if constexpr (numeric::may_fail(Op)) {
-        if (!any) std::memset(failed_, 0, lanes_);
-        each(a, none, [&](uint64_t lane, uint64_t ia, uint64_t) {
-          if (numeric::unary<Op>(a.value[ia], &value_[lane])) {
-            failed_[lane] = 1;
-            any = true;
-          }
-        });
-      } else {
-        each(a, none, [&](uint64_t lane, uint64_t ia, uint64_t) { numeric::unary<Op>(a.value[ia], &value_[lane]); });
-      }
-      return any;
+      return apply<Op>(a, none, any, [&](uint64_t ia, uint64_t, double *r) { return numeric::unary<Op>(a.value[ia], r); });
     });
   }
 
   bool binary(uint32_t op, const Operand &a, const Operand &b) {
-    bool any = failures(a, b);
+    const bool any = failures(a, b);
     return numeric::with_binary(op, [&]<uint32_t Op>() {
-      if constexpr (numeric::may_fail(Op)) {
-        if (!any) std::memset(failed_, 0, lanes_);
-        each(a, b, [&](uint64_t lane, uint64_t ia, uint64_t ib) {
-          if (numeric::binary<Op>(a.value[ia], b.value[ib], &value_[lane])) {
-            failed_[lane] = 1;
-            any = true;
-          }
-        });
-      } else {
-        each(a, b, [&](uint64_t lane, uint64_t ia, uint64_t ib) {
-          numeric::binary<Op>(a.value[ia], b.value[ib], &value_[lane]);
-        });
-      }
-      return any;
+      return apply<Op>(a, b, any, [&](uint64_t ia, uint64_t ib, double *r) {
+        return numeric::binary<Op>(a.value[ia], b.value[ib], r);
+      });
     });
   }
 
@@ -227,6 +236,9 @@ class Evaluation {
   uint64_t lanes_ = 1;
   double *value_ = nullptr;
   uint8_t *failed_ = nullptr;
+  const double *guard_ = nullptr;  // the guard's condition values; NULL: none
+  uint64_t guard_spread_ = 1;
+  bool guard_when_ = false;
 };
 
 }  // namespace

@@ -39,6 +39,11 @@ struct batch_instruction_t {
   int32_t a, b, c;     // operands (instruction indexes)
   int32_t depth;       // op_row: the last table position it reads; -1: a constant
   const vel_expression_t *expression;  // op_row: the subtree
+  // When every use of the value lies in one branch of an if: the condition
+  // (an earlier instruction of no deeper level) and the branch's truth, so
+  // that lanes which take the other branch may skip the work; -1: none.
+  int32_t guard = -1;
+  uint8_t guard_when = 0;
 };
 
 // How the row of a probability table comes out of the values: the

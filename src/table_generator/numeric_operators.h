@@ -102,6 +102,13 @@ constexpr bool may_fail(uint32_t op) {
          op == vel_op_divide || op == vel_op_power || op == vel_op_mod;
 }
 
+// Whether the operator calls a library routine (exp, pow, ...): worth
+// skipping on lanes whose value no branch takes.
+constexpr bool calls_library(uint32_t op) {
+  return (op >= vel_op_log && op <= vel_op_tanh) || op == vel_op_power ||
+         op == vel_op_mod;
+}
+
 template <uint32_t Op>
 inline int binary(double a, double b, double *r) {
   switch (Op) {
