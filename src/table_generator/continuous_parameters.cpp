@@ -35,27 +35,24 @@ int located(const builder_arguments_t &distribution, continuous_law_t *law, int 
   return 0;
 }
 
-int read_normal(const builder_arguments_t &d, const vel_node_t *node, continuous_law_t *law) {
-  if (int code = arguments(d, 0, 2, law->p)) return code;
-  if (!(law->p[1] > 0)) {
-    return report_fault(node, vel_error_invalid_argument,
-                        "Variance for a Normal distribution must be positive (observed: %g)\n",
-                        law->p[1]);
+// The families whose parameters must be positive: `count` of them, those
+// from `first_checked` on checked, the message naming the checked ones;
+// then the location, for the families with support [c, +inf), or the whole
+// line.
+int read_positive(const builder_arguments_t &d, const vel_node_t *node, continuous_law_t *law,
+                  int count, int first_checked, const char *message, bool with_location) {
+  if (int code = arguments(d, 0, count, law->p)) return code;
+  bool positive = true;
+  for (int i = first_checked; i < count; ++i) positive = positive && law->p[i] > 0;
+  if (!positive) {
+    return first_checked + 1 == count
+               ? report_fault(node, vel_error_invalid_argument, message, law->p[first_checked])
+               : report_fault(node, vel_error_invalid_argument, message, law->p[0], law->p[1]);
   }
+  if (with_location) return located(d, law, count);
   law->support_lo = -DBL_MAX;
   law->support_hi = DBL_MAX;
   return 0;
-}
-
-int read_log_normal(const builder_arguments_t &d, const vel_node_t *node, continuous_law_t *law) {
-  if (int code = arguments(d, 0, 2, law->p)) return code;
-  if (!(law->p[1] > 0)) {
-    return report_fault(node, vel_error_invalid_argument,
-                        "The variance parameter of a LogNormal distribution must be positive "
-                        "(observed: %g)\n",
-                        law->p[1]);
-  }
-  return located(d, law, 2);
 }
 
 int read_beta(const builder_arguments_t &d, const vel_node_t *node, continuous_law_t *law) {
@@ -80,39 +77,6 @@ int read_beta(const builder_arguments_t &d, const vel_node_t *node, continuous_l
   law->support_lo = law->p[2];
   law->support_hi = law->p[3];
   return 0;
-}
-
-int read_gamma(const builder_arguments_t &d, const vel_node_t *node, continuous_law_t *law) {
-  if (int code = arguments(d, 0, 2, law->p)) return code;
-  if (!(law->p[0] > 0 && law->p[1] > 0)) {
-    return report_fault(
-        node, vel_error_invalid_argument,
-        "Gamma distribution parameters must be positive (observed: shape = %g, scale = %g)\n",
-        law->p[0], law->p[1]);
-  }
-  return located(d, law, 2);
-}
-
-// The scale is the mean: the Exponential interval function divides by it.
-int read_exponential(const builder_arguments_t &d, const vel_node_t *node, continuous_law_t *law) {
-  if (int code = arguments(d, 0, 1, law->p)) return code;
-  if (!(law->p[0] > 0)) {
-    return report_fault(node, vel_error_invalid_argument,
-                        "Exponential distribution parameter must be positive (observed: %g)\n",
-                        law->p[0]);
-  }
-  return located(d, law, 1);
-}
-
-int read_weibull(const builder_arguments_t &d, const vel_node_t *node, continuous_law_t *law) {
-  if (int code = arguments(d, 0, 2, law->p)) return code;
-  if (!(law->p[0] > 0 && law->p[1] > 0)) {
-    return report_fault(
-        node, vel_error_invalid_argument,
-        "Weibull distribution parameters must be positive (observed: a = %g, b = %g)\n", law->p[0],
-        law->p[1]);
-  }
-  return located(d, law, 2);
 }
 
 int read_uniform(const builder_arguments_t &d, const vel_node_t *node, continuous_law_t *law) {
@@ -177,17 +141,30 @@ int read_continuous_law(const builder_arguments_t &distribution, const vel_node_
   law->op = distribution.distribution->operator_;
   switch (law->op) {
     case vel_op_Normal:
-      return read_normal(distribution, node, law);
+      return read_positive(distribution, node, law, 2, 1,
+                           "Variance for a Normal distribution must be positive (observed: %g)\n",
+                           false);
     case vel_op_LogNormal:
-      return read_log_normal(distribution, node, law);
+      return read_positive(distribution, node, law, 2, 1,
+                           "The variance parameter of a LogNormal distribution must be positive "
+                           "(observed: %g)\n",
+                           true);
     case vel_op_Beta:
       return read_beta(distribution, node, law);
     case vel_op_Gamma:
-      return read_gamma(distribution, node, law);
+      return read_positive(
+          distribution, node, law, 2, 0,
+          "Gamma distribution parameters must be positive (observed: shape = %g, scale = %g)\n",
+          true);
     case vel_op_Exponential:
-      return read_exponential(distribution, node, law);
+      // The scale is the mean: the Exponential interval function divides by it.
+      return read_positive(distribution, node, law, 1, 0,
+                           "Exponential distribution parameter must be positive (observed: %g)\n",
+                           true);
     case vel_op_Weibull:
-      return read_weibull(distribution, node, law);
+      return read_positive(
+          distribution, node, law, 2, 0,
+          "Weibull distribution parameters must be positive (observed: a = %g, b = %g)\n", true);
     case vel_op_Uniform:
       return read_uniform(distribution, node, law);
     case vel_op_Triangular:

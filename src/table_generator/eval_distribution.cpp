@@ -69,61 +69,56 @@ const vel_expression_t *eval_distribution_expr(const vel_expression_t *expressio
   }
 }
 
+namespace {
+
+// The three evaluators below differ only in the plain type and how a value
+// of it is evaluated: follow the chosen branches of a mixed expression, then
+// evaluate the plain value (no distribution) or store the distribution.
+template <typename Value, typename Plain>
+int distribution_or(const vel_expression_t *expression, uint32_t mixed_type, uint32_t plain_type,
+                    Value *value, const vel_expression_t **slot, double *lower, double *upper,
+                    Plain plain) {
+  for (;;) {
+    const uint32_t type = expression->type;
+    if (type == mixed_type) {
+      expression = chosen_branch(expression);
+      if (!expression) return _vel_error_code;
+    } else if (type == plain_type) {
+      *slot = nullptr;
+      return plain(expression, value);
+    } else if (type == vel_type_distribution) {
+      return store_distribution(expression, slot, lower, upper);
+    } else {
+      return vel::fail(vel_error_unsupported);
+    }
+  }
+}
+
+}  // namespace
+
 int eval_distribution_or_numeric_expr(const vel_expression_t *expression, double *value,
                                       const vel_expression_t **slot, double *lower,
                                       double *upper) {
-  switch (expression->type) {
-    case vel_type_distribution_or_number: {
-      const vel_expression_t *branch = chosen_branch(expression);
-      if (!branch) return _vel_error_code;
-      return eval_distribution_or_numeric_expr(branch, value, slot, lower, upper);
-    }
-    case vel_type_number:
-      *slot = nullptr;
-      return eval_numeric_expr(expression, value);
-    case vel_type_distribution:
-      return store_distribution(expression, slot, lower, upper);
-    default:
-      return vel::fail(vel_error_unsupported);
-  }
+  return distribution_or(expression, vel_type_distribution_or_number, vel_type_number, value, slot,
+                         lower, upper, eval_numeric_expr);
 }
 
 int eval_distribution_or_label_expr(const vel_expression_t *expression, const char **value,
                                     const vel_expression_t **slot, double *lower,
                                     double *upper) {
-  switch (expression->type) {
-    case vel_type_distribution_or_label: {
-      const vel_expression_t *branch = chosen_branch(expression);
-      if (!branch) return _vel_error_code;
-      return eval_distribution_or_label_expr(branch, value, slot, lower, upper);
-    }
-    case vel_type_label:
-      *slot = nullptr;
-      *value = eval_label_expr(expression);
-      return *value ? 0 : _vel_error_code;
-    case vel_type_distribution:
-      return store_distribution(expression, slot, lower, upper);
-    default:
-      return vel::fail(vel_error_unsupported);
-  }
+  return distribution_or(expression, vel_type_distribution_or_label, vel_type_label, value, slot,
+                         lower, upper, [](const vel_expression_t *e, const char **out) {
+                           *out = eval_label_expr(e);
+                           return *out ? 0 : _vel_error_code;
+                         });
 }
 
 int eval_distribution_or_boolean_expr(const vel_expression_t *expression, int *value,
                                       const vel_expression_t **slot, double *lower,
                                       double *upper) {
-  switch (expression->type) {
-    case vel_type_distribution_or_boolean: {
-      const vel_expression_t *branch = chosen_branch(expression);
-      if (!branch) return _vel_error_code;
-      return eval_distribution_or_boolean_expr(branch, value, slot, lower, upper);
-    }
-    case vel_type_boolean:
-      *slot = nullptr;
-      *value = eval_boolean_expr(expression);
-      return *value < 0 ? _vel_error_code : 0;
-    case vel_type_distribution:
-      return store_distribution(expression, slot, lower, upper);
-    default:
-      return vel::fail(vel_error_unsupported);
-  }
+  return distribution_or(expression, vel_type_distribution_or_boolean, vel_type_boolean, value,
+                         slot, lower, upper, [](const vel_expression_t *e, int *out) {
+                           *out = eval_boolean_expr(e);
+                           return *out < 0 ? _vel_error_code : 0;
+                         });
 }
