@@ -79,3 +79,21 @@ void check_round_trips(const vel::io::LoadedModel &network) {
 }
 
 }  // namespace vel::fuzz
+
+namespace vel::fuzz {
+
+void fuzz_network_reader(const std::uint8_t *data, std::size_t size, NetworkLoader load,
+                         const char *name) {
+  const std::string text(reinterpret_cast<const char *>(data), size);
+  try {
+    check_round_trips(load(text, name));
+  } catch (const vel::io::LoadError &error) {
+    // Every refusal says where: "NAME:LINE:COLUMN: message".
+    if (std::string(error.what()).rfind(std::string(name) + ":", 0) != 0) {
+      std::fprintf(stderr, "a load error without the file's name: %s\n", error.what());
+      std::abort();
+    }
+  }
+}
+
+}  // namespace vel::fuzz
