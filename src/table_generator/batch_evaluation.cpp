@@ -75,7 +75,20 @@ class Evaluation {
                    plan_->level_spread[from * (plan_->levels + 1) + level]};
   }
 
-  static uint8_t failed_at(const Operand &o, uint64_t lane) { return o.failed ? o.failed[lane / o.spread] : 0; }
+  // Walks an operand's values along the result's lanes in order, each value
+  // `spread` lanes in a row, without a division per lane.
+  struct Cursor {
+    const Operand &o;
+    uint64_t index = 0, count = 0;
+    explicit Cursor(const Operand &operand) : o(operand) {}
+    uint64_t next() {
+      const uint64_t at = index;
+      if (++count == o.spread) count = 0, ++index;
+      return at;
+    }
+    double value(uint64_t at) const { return o.value[at]; }
+    uint8_t failed(uint64_t at) const { return o.failed ? o.failed[at] : 0; }
+  };
 
   // The sample points of level j: lo + (k + 0.5) width for its k-th point
   // (as the scalar sampler forms them), or the one point of an unbounded
@@ -123,16 +136,14 @@ class Evaluation {
   bool failures(const Operand &a, const Operand &b) {
     if (!a.failed && !b.failed) return false;
     bool any = false;
+    Cursor ca(a), cb(b);
     for (uint64_t lane = 0; lane < lanes_; ++lane) {
-      failed_[lane] = failed_at(a, lane) | failed_at(b, lane);
+      failed_[lane] = ca.failed(ca.next()) | cb.failed(cb.next());
       any |= failed_[lane] != 0;
     }
     return any;
   }
 
-  // Whether the lane takes the branch that the instruction's value is for
-  // (always, without a guard).
-  bool taken(uint64_t lane) const { return !guard_ || (guard_[lane / guard_spread_] != 0.0) == guard_when_; }
 
   // Runs an operator over the lanes; a library call under a guard only on
   // the lanes that take its branch (the others hold 0, which nothing uses).
@@ -140,9 +151,13 @@ class Evaluation {
   bool apply(const Operand &a, const Operand &b, bool any, Apply op) {
     if constexpr (numeric::calls_library(Op) || numeric::may_fail(Op)) {
       if (!any) std::memset(failed_, 0, lanes_);
+      // Whether the lane takes the branch the value is for (always, without
+      // a guard); each visits the lanes in order.
+      const Operand guard{guard_, nullptr, guard_spread_};
+      Cursor cg(guard);
       each(a, b, [&](uint64_t lane, uint64_t ia, uint64_t ib) {
         if constexpr (numeric::calls_library(Op)) {
-          if (!taken(lane)) {
+          if (guard_ && (cg.value(cg.next()) != 0.0) != guard_when_) {
             value_[lane] = 0.0;
             return;
           }
@@ -200,11 +215,13 @@ class Evaluation {
   // only where the first did not already decide.
   bool logic(bool conjunction, const Operand &a, const Operand &b) {
     bool any = false;
+    Cursor ca(a), cb(b);
     for (uint64_t lane = 0; lane < lanes_; ++lane) {
-      const bool first = a.value[lane / a.spread] != 0.0;
+      const uint64_t ia = ca.next(), ib = cb.next();
+      const bool first = ca.value(ia) != 0.0;
       const bool decided = conjunction ? !first : first;
-      const uint8_t failed = failed_at(a, lane) | (decided ? 0 : failed_at(b, lane));
-      value_[lane] = decided ? (first ? 1.0 : 0.0) : (b.value[lane / b.spread] != 0.0 ? 1.0 : 0.0);
+      const uint8_t failed = ca.failed(ia) | (decided ? 0 : cb.failed(ib));
+      value_[lane] = decided ? (first ? 1.0 : 0.0) : (cb.value(ib) != 0.0 ? 1.0 : 0.0);
       failed_[lane] = failed;
       any |= failed != 0;
     }
@@ -214,17 +231,20 @@ class Evaluation {
   bool negation(const Operand &a) {
     const Operand none{nullptr, nullptr, lanes_};
     const bool any = failures(a, none);
-    for (uint64_t lane = 0; lane < lanes_; ++lane) value_[lane] = a.value[lane / a.spread] != 0.0 ? 0.0 : 1.0;
+    Cursor ca(a);
+    for (uint64_t lane = 0; lane < lanes_; ++lane) value_[lane] = ca.value(ca.next()) != 0.0 ? 0.0 : 1.0;
     return any;
   }
 
   // if: only the chosen branch's failure counts.
   bool choice(const Operand &c, const Operand &t, const Operand &f) {
     bool any = false;
+    Cursor cc(c), ct(t), cf(f);
     for (uint64_t lane = 0; lane < lanes_; ++lane) {
-      const bool yes = c.value[lane / c.spread] != 0.0;
-      value_[lane] = yes ? t.value[lane / t.spread] : f.value[lane / f.spread];
-      const uint8_t failed = failed_at(c, lane) | (yes ? failed_at(t, lane) : failed_at(f, lane));
+      const uint64_t ic = cc.next(), it = ct.next(), jf = cf.next();
+      const bool yes = cc.value(ic) != 0.0;
+      value_[lane] = yes ? ct.value(it) : cf.value(jf);
+      const uint8_t failed = cc.failed(ic) | (yes ? ct.failed(it) : cf.failed(jf));
       failed_[lane] = failed;
       any |= failed != 0;
     }
