@@ -93,31 +93,40 @@ def with_guard(direct):
     return s, other
 
 
+def continued_fraction(d, c, terms, what):
+    """d times the product of the modified Lentz steps over the terms
+    (a_k, b_k) of b_0 + a_1 / (b_1 + a_2 / (b_2 + ...)), d = 1 / b_0 and c
+    its start, until a step changes the product by less than the precision."""
+    eps = mpf(10) ** (-mp.mp.dps - 3)
+    tiny = mpf(10) ** (-10 * mp.mp.dps)
+    h = d
+    for a_k, b_k in terms:
+        d = b_k + a_k * d
+        d = 1 / (d if abs(d) > tiny else tiny)
+        c = b_k + a_k / c
+        if abs(c) < tiny:
+            c = tiny
+        delta = d * c
+        h *= delta
+        if abs(delta - 1) < eps:
+            return h
+    raise RuntimeError(what + " continued fraction did not converge")
+
+
 def beta_cf(a, b, x):
     """I_x(a, b) by its continued fraction (modified Lentz); converges fast
     for x < (a + 1) / (a + b + 2)."""
-    eps = mpf(10) ** (-mp.mp.dps - 3)
     tiny = mpf(10) ** (-10 * mp.mp.dps)
     qab, qap, qam = a + b, a + 1, a - 1
-    c = mpf(1)
     d = 1 - qab * x / qap
-    d = 1 / (d if abs(d) > tiny else tiny)
-    h = d
-    for m in range(1, 10 ** 7):
-        m2 = 2 * m
-        for aa in (m * (b - m) * x / ((qam + m2) * (a + m2)),
-                   -(a + m) * (qab + m) * x / ((a + m2) * (qap + m2))):
-            d = 1 + aa * d
-            d = 1 / (d if abs(d) > tiny else tiny)
-            c = 1 + aa / c
-            if abs(c) < tiny:
-                c = tiny
-            delta = d * c
-            h *= delta
-        if abs(delta - 1) < eps:
-            break
-    else:
-        raise RuntimeError("beta continued fraction did not converge")
+
+    def terms():
+        for m in range(1, 10 ** 7):
+            m2 = 2 * m
+            yield m * (b - m) * x / ((qam + m2) * (a + m2)), 1
+            yield -(a + m) * (qab + m) * x / ((a + m2) * (qap + m2)), 1
+
+    h = continued_fraction(1 / (d if abs(d) > tiny else tiny), mpf(1), terms(), "beta")
     return x ** a * (1 - x) ** b / (a * mp.beta(a, b)) * h
 
 
@@ -152,26 +161,10 @@ def gamma_series(a, x):
 
 def gamma_cf(a, x):
     """Q(a, x) by Legendre's continued fraction (modified Lentz), for x > a + 1."""
-    eps = mpf(10) ** (-mp.mp.dps - 3)
     tiny = mpf(10) ** (-10 * mp.mp.dps)
     b = x + 1 - a
-    c = 1 / tiny
-    d = 1 / b
-    h = d
-    for i in range(1, 10 ** 7):
-        an = -i * (i - a)
-        b += 2
-        d = an * d + b
-        d = 1 / (d if abs(d) > tiny else tiny)
-        c = b + an / c
-        if abs(c) < tiny:
-            c = tiny
-        delta = d * c
-        h *= delta
-        if abs(delta - 1) < eps:
-            break
-    else:
-        raise RuntimeError("gamma continued fraction did not converge")
+    terms = ((-i * (i - a), b + 2 * i) for i in range(1, 10 ** 7))
+    h = continued_fraction(1 / b, 1 / tiny, terms, "gamma")
     return mp.exp(a * mp.log(x) - x - mp.loggamma(a)) * h
 
 
