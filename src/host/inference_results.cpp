@@ -28,6 +28,19 @@ bool fits_float(double x) { return std::fabs(x) <= FLT_MAX; }
 
 bool is_utility(const vel_node_t *node) { return node->category == vel_category_utility; }
 
+// A utility node's expected utility or its variance (`field`); -1 with a
+// usage error for any other node.
+float utility_reading(const char *function, const vel_node_t *node, double vel_node_t::*field) {
+  vel::host::count_value_read();
+  if (!check_not_null(function, "node", node)) return -1.0f;
+  if (!is_utility(node)) {
+    refuse(node, "is not a utility node");
+    return -1.0f;
+  }
+  _vel_error_code = 0;
+  return static_cast<float>(node->*field);
+}
+
 }  // namespace
 
 extern "C" int _vel_node_check_inference_results(const vel_node_t *node) {
@@ -162,25 +175,11 @@ int vel_node_set_expected_utility(vel_node_t *node, double expected_utility, dou
 }
 
 float vel_node_get_expected_utility(const vel_node_t *node, int) {
-  vel::host::count_value_read();
-  if (!check_not_null("vel_node_get_expected_utility", "node", node)) return -1.0f;
-  if (!is_utility(node)) {
-    refuse(node, "is not a utility node");
-    return -1.0f;
-  }
-  _vel_error_code = 0;
-  return static_cast<float>(node->expected_utility);
+  return utility_reading("vel_node_get_expected_utility", node, &vel_node_t::expected_utility);
 }
 
 float vel_node_get_variance_of_utility(const vel_node_t *node) {
-  vel::host::count_value_read();
-  if (!check_not_null("vel_node_get_variance_of_utility", "node", node)) return -1.0f;
-  if (!is_utility(node)) {
-    refuse(node, "is not a utility node");
-    return -1.0f;
-  }
-  _vel_error_code = 0;
-  return static_cast<float>(node->utility_variance);
+  return utility_reading("vel_node_get_variance_of_utility", node, &vel_node_t::utility_variance);
 }
 
 int vel_node_set_configured_state(vel_node_t *node, int64_t state) {
