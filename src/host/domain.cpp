@@ -5,6 +5,8 @@
 #include "host/storage_internal.h"
 #include "table_generator/entries.h"
 
+using vel::host::check_not_null;
+using vel::host::checked_get;
 using vel::host::guarded;
 using vel::host::usage;
 
@@ -59,60 +61,41 @@ vel_domain_t *vel_domain_new(void) { return new_domain(0); }
 vel_class_t *vel_class_new(void) { return new_domain(1); }
 
 int vel_domain_delete(vel_domain_t *domain) {
-  if (!domain) return usage("vel_domain_delete: domain is NULL");
+  if (!check_not_null("vel_domain_delete", "domain", domain)) return vel_error_usage;
   delete domain->host;
   delete domain;
   return _vel_error_code = 0;
 }
 
 int vel_domain_is_class(const vel_domain_t *domain) {
-  if (!domain) {
-    usage("vel_domain_is_class: domain is NULL");
-    return 0;
-  }
-  _vel_error_code = 0;
-  return domain->is_class != 0;
+  return checked_get("vel_domain_is_class", domain, 0, [&] { return domain->is_class != 0; });
 }
 
 int vel_domain_set_log_file(vel_domain_t *domain, FILE *log_file) {
-  if (!domain) return usage("vel_domain_set_log_file: domain is NULL");
+  if (!check_not_null("vel_domain_set_log_file", "domain", domain)) return vel_error_usage;
   domain->log_file = log_file;
   return _vel_error_code = 0;
 }
 
+// During a generation the domain's stream passes on to the caller's own.
 FILE *vel_domain_get_log_file(const vel_domain_t *domain) {
-  if (!domain) {
-    usage("vel_domain_get_log_file: domain is NULL");
-    return nullptr;
-  }
-  _vel_error_code = 0;
-  // During a generation the domain's stream passes on to the caller's own.
-  return domain->host->captured_log ? domain->host->captured_log : domain->log_file;
+  return checked_get("vel_domain_get_log_file", domain, nullptr, [&] {
+    return domain->host->captured_log ? domain->host->captured_log : domain->log_file;
+  });
 }
 
 vel_node_t *vel_domain_get_first_node(const vel_domain_t *domain) {
-  if (!domain) {
-    usage("vel_domain_get_first_node: domain is NULL");
-    return nullptr;
-  }
-  _vel_error_code = 0;
-  return domain->first_node;
+  return checked_get("vel_domain_get_first_node", domain, nullptr,
+                     [&] { return domain->first_node; });
 }
 
 vel_node_t *vel_node_get_next(const vel_node_t *node) {
-  if (!node) {
-    usage("vel_node_get_next: node is NULL");
-    return nullptr;
-  }
-  _vel_error_code = 0;
-  return node->next;
+  return checked_get("vel_node_get_next", node, nullptr, [&] { return node->next; });
 }
 
 vel_node_t *vel_domain_get_node_by_name(const vel_domain_t *domain, const char *name) {
-  if (!domain || !name) {
-    usage("vel_domain_get_node_by_name: domain or name is NULL");
+  if (!check_not_null("vel_domain_get_node_by_name", "domain or name", domain, name))
     return nullptr;
-  }
   return guarded<vel_node_t *>(nullptr, [&]() -> vel_node_t * {
     auto found = domain->host->by_name.find(name);
     _vel_error_code = 0;
@@ -121,7 +104,7 @@ vel_node_t *vel_domain_get_node_by_name(const vel_domain_t *domain, const char *
 }
 
 int vel_domain_set_compiled(vel_domain_t *domain, int compiled) {
-  if (!domain) return usage("vel_domain_set_compiled: domain is NULL");
+  if (!check_not_null("vel_domain_set_compiled", "domain", domain)) return vel_error_usage;
   if (!compiled) domain->host->junction_forest.reset();
   domain->is_compiled = compiled ? 1 : 0;
   vel::host::inference_state_changed(domain);
@@ -129,35 +112,22 @@ int vel_domain_set_compiled(vel_domain_t *domain, int compiled) {
 }
 
 int vel_domain_is_compiled(const vel_domain_t *domain) {
-  if (!domain) {
-    usage("vel_domain_is_compiled: domain is NULL");
-    return 0;
-  }
-  _vel_error_code = 0;
-  return domain->is_compiled != 0;
+  return checked_get("vel_domain_is_compiled", domain, 0, [&] { return domain->is_compiled != 0; });
 }
 
 vel_junction_tree_t *vel_domain_get_junction_tree(const vel_domain_t *domain) {
-  if (!domain) {
-    usage("vel_domain_get_junction_tree: domain is NULL");
-    return nullptr;
-  }
-  _vel_error_code = 0;
-  return domain->junction_tree;
+  return checked_get("vel_domain_get_junction_tree", domain, nullptr,
+                     [&] { return domain->junction_tree; });
 }
 
 vel_junction_tree_t *vel_node_get_junction_tree(const vel_node_t *node) {
-  if (!node) {
-    usage("vel_node_get_junction_tree: node is NULL");
-    return nullptr;
-  }
-  _vel_error_code = 0;
-  return node->junction_tree;
+  return checked_get("vel_node_get_junction_tree", node, nullptr,
+                     [&] { return node->junction_tree; });
 }
 
 int vel_jt_set_state(vel_junction_tree_t *jt, int equilibrium, int evidence_mode,
                      int evidence_pending) {
-  if (!jt) return usage("vel_jt_set_state: junction tree is NULL");
+  if (!check_not_null("vel_jt_set_state", "junction tree", jt)) return vel_error_usage;
   if (equilibrium < vel_equilibrium_none || equilibrium > vel_equilibrium_max)
     return usage("vel_jt_set_state: equilibrium must be 10, 11 or 12");
   if (evidence_mode != vel_evidence_mode_normal && evidence_mode != vel_evidence_mode_fast)

@@ -7,6 +7,8 @@
 #include "host/api_guard_internal.h"
 #include "host/storage_internal.h"
 
+using vel::host::check_not_null;
+using vel::host::checked_get;
 using vel::host::usage;
 
 namespace {
@@ -15,10 +17,10 @@ namespace {
 // NULL with a usage error naming the accessor.
 const vel_expression_t *operand_of(const vel_expression_t *expression, bool fits,
                                    const char *accessor) {
-  if (!expression || !fits) {
+  if (!check_not_null(accessor, "expression", expression)) return nullptr;
+  if (!fits) {
     vel::host::guarded<int>(vel_error_usage, [&] {
-      return usage(std::string(accessor) + (expression ? ": the operator has no such operand"
-                                                       : ": expression is NULL"));
+      return usage(std::string(accessor) + ": the operator has no such operand");
     });
     return nullptr;
   }
@@ -31,13 +33,13 @@ const vel_expression_t *operand_of(const vel_expression_t *expression, bool fits
 extern "C" {
 
 int vel_expression_get_operator(const vel_expression_t *expression) {
-  const vel_expression_t *e = operand_of(expression, true, "vel_expression_get_operator");
-  return e ? static_cast<int>(e->operator_) : 0;
+  return checked_get("vel_expression_get_operator", expression, 0,
+                     [&] { return static_cast<int>(expression->operator_); });
 }
 
 int vel_expression_get_type(const vel_expression_t *expression) {
-  const vel_expression_t *e = operand_of(expression, true, "vel_expression_get_type");
-  return e ? static_cast<int>(e->type) : 0;
+  return checked_get("vel_expression_get_type", expression, 0,
+                     [&] { return static_cast<int>(expression->type); });
 }
 
 vel_expression_t *vel_expression_get_argument(const vel_expression_t *expression, size_t index) {

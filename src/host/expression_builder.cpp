@@ -11,6 +11,7 @@
 #include "host/operators.h"
 #include "host/storage_internal.h"
 
+using vel::host::check_not_null;
 using vel::host::guarded;
 using vel::host::OperatorInfo;
 using vel::host::usage;
@@ -114,10 +115,7 @@ vel_expression_t *vel_make_number(double value) {
 }
 
 vel_expression_t *vel_make_label(const char *label) {
-  if (!label) {
-    usage("vel_make_label: label is NULL");
-    return nullptr;
-  }
+  if (!check_not_null("vel_make_label", "label", label)) return nullptr;
   return guarded<vel_expression_t *>(nullptr, [&] {
     size_t length = std::strlen(label);
     auto text = std::make_unique<char[]>(length + 1);
@@ -141,10 +139,7 @@ vel_expression_t *vel_make_truth(int truth) {
 // The reference does not keep the node alive: deleting the node's domain
 // while the expression lives leaves it pointing at freed memory.
 vel_expression_t *vel_make_node_reference(vel_node_t *node) {
-  if (!node) {
-    usage("vel_make_node_reference: node is NULL");
-    return nullptr;
-  }
+  if (!check_not_null("vel_make_node_reference", "node", node)) return nullptr;
   return guarded<vel_expression_t *>(nullptr, [&] {
     uint32_t type = vel::host::is_discrete(node) ? vel_type_any : vel_type_number;
     vel_expression_t *expression = new_leaf(vel_op_node, type);
@@ -189,7 +184,7 @@ vel_expression_t *vel_make_operator(int code, vel_expression_t *const *arguments
 }
 
 int vel_expression_delete(vel_expression_t *expression) {
-  if (!expression) return usage("vel_expression_delete: expression is NULL");
+  if (!check_not_null("vel_expression_delete", "expression", expression)) return vel_error_usage;
   if (expression->owner)
     return usage("vel_expression_delete: the expression belongs to another expression or model");
   vel::host::delete_tree(expression);

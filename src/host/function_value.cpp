@@ -6,6 +6,8 @@
 #include "host/storage_internal.h"
 #include "table_generator/entries.h"
 
+using vel::host::check_not_null;
+
 extern "C" {
 
 double vel_node_get_value(vel_node_t *node) {
@@ -15,8 +17,8 @@ double vel_node_get_value(vel_node_t *node) {
 }
 
 int vel_node_compute_value(vel_node_t *node, int mode, double *value) {
-  if (!node) return vel::host::usage("vel_node_compute_value: node is NULL");
-  if (!value) return vel::host::usage("vel_node_compute_value: value is NULL");
+  if (!check_not_null("vel_node_compute_value", "node", node)) return vel_error_usage;
+  if (!check_not_null("vel_node_compute_value", "value", value)) return vel_error_usage;
   if (mode != vel_mode_inference && mode != vel_mode_configured)
     return vel::host::usage("vel_node_compute_value: mode must be 0 (inference) or 1 (configured)");
   if (!is_real_function(node))

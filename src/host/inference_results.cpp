@@ -12,6 +12,7 @@
 #include "host/storage_internal.h"
 #include "table_generator/entries.h"
 
+using vel::host::check_not_null;
 using vel::host::guarded;
 using vel::host::usage;
 
@@ -26,6 +27,19 @@ int refuse(const vel_node_t *node, const char *what) {
 bool fits_float(double x) { return std::fabs(x) <= FLT_MAX; }
 
 bool is_utility(const vel_node_t *node) { return node->category == vel_category_utility; }
+
+// A utility node's expected utility or its variance (`field`); -1 with a
+// usage error for any other node.
+float utility_reading(const char *function, const vel_node_t *node, double vel_node_t::*field) {
+  vel::host::count_value_read();
+  if (!check_not_null(function, "node", node)) return -1.0f;
+  if (!is_utility(node)) {
+    refuse(node, "is not a utility node");
+    return -1.0f;
+  }
+  _vel_error_code = 0;
+  return static_cast<float>(node->*field);
+}
 
 }  // namespace
 
@@ -77,10 +91,11 @@ void write_variance(vel_node_t *node) {
 extern "C" {
 
 int vel_node_set_beliefs(vel_node_t *node, const double *beliefs, size_t count) {
-  if (!node) return usage("vel_node_set_beliefs: node is NULL");
+  if (!check_not_null("vel_node_set_beliefs", "node", node)) return vel_error_usage;
   if (!vel::host::is_discrete(node)) return refuse(node, "has no states");
   if (count != node->state_count) return refuse(node, "needs one belief per state");
-  if (count > 0 && !beliefs) return usage("vel_node_set_beliefs: beliefs is NULL");
+  if (count > 0 && !check_not_null("vel_node_set_beliefs", "beliefs", beliefs))
+    return vel_error_usage;
   for (size_t i = 0; i < count; ++i)
     if (!(beliefs[i] >= 0.0 && beliefs[i] <= FLT_MAX))
       return refuse(node, "takes finite, non-negative beliefs only");
@@ -93,10 +108,7 @@ int vel_node_set_beliefs(vel_node_t *node, const double *beliefs, size_t count) 
 }
 
 double vel_node_get_belief(const vel_node_t *node, size_t state) {
-  if (!node) {
-    usage("vel_node_get_belief: node is NULL");
-    return -1.0;
-  }
+  if (!check_not_null("vel_node_get_belief", "node", node)) return -1.0;
   if (!vel::host::is_discrete(node) || state >= node->state_count) {
     refuse(node, "has no such state");
     return -1.0;
@@ -106,7 +118,7 @@ double vel_node_get_belief(const vel_node_t *node, size_t state) {
 }
 
 int vel_node_set_evidence(vel_node_t *node, int64_t state) {
-  if (!node) return usage("vel_node_set_evidence: node is NULL");
+  if (!check_not_null("vel_node_set_evidence", "node", node)) return vel_error_usage;
   if (!vel::host::is_discrete(node)) return refuse(node, "has no states");
   if (state < -1 || state >= static_cast<int64_t>(node->state_count))
     return refuse(node, "has no such state");
@@ -117,7 +129,7 @@ int vel_node_set_evidence(vel_node_t *node, int64_t state) {
 }
 
 int vel_node_set_mean_and_variance(vel_node_t *node, double mean, double variance) {
-  if (!node) return usage("vel_node_set_mean_and_variance: node is NULL");
+  if (!check_not_null("vel_node_set_mean_and_variance", "node", node)) return vel_error_usage;
   if (node->kind <= 0) return refuse(node, "is not continuous");
   if (!std::isfinite(mean) || !(variance >= 0.0) || !std::isfinite(variance))
     return refuse(node, "takes a finite mean and a finite, non-negative variance");
@@ -131,10 +143,7 @@ int vel_node_set_mean_and_variance(vel_node_t *node, double mean, double varianc
 
 double vel_node_get_mean(const vel_node_t *node) {
   vel::host::count_value_read();
-  if (!node) {
-    usage("vel_node_get_mean: node is NULL");
-    return -1.0;
-  }
+  if (!check_not_null("vel_node_get_mean", "node", node)) return -1.0;
   if (node->kind > 0) {
     _vel_error_code = 0;
     return node->mean;
@@ -153,7 +162,7 @@ double vel_node_get_mean(const vel_node_t *node) {
 }
 
 int vel_node_set_expected_utility(vel_node_t *node, double expected_utility, double variance) {
-  if (!node) return usage("vel_node_set_expected_utility: node is NULL");
+  if (!check_not_null("vel_node_set_expected_utility", "node", node)) return vel_error_usage;
   if (!is_utility(node)) return refuse(node, "is not a utility node");
   if (!fits_float(expected_utility) || !(variance >= 0.0) || !fits_float(variance))
     return refuse(node, "takes single-precision expected utilities and variances");
@@ -166,35 +175,15 @@ int vel_node_set_expected_utility(vel_node_t *node, double expected_utility, dou
 }
 
 float vel_node_get_expected_utility(const vel_node_t *node, int) {
-  vel::host::count_value_read();
-  if (!node) {
-    usage("vel_node_get_expected_utility: node is NULL");
-    return -1.0f;
-  }
-  if (!is_utility(node)) {
-    refuse(node, "is not a utility node");
-    return -1.0f;
-  }
-  _vel_error_code = 0;
-  return static_cast<float>(node->expected_utility);
+  return utility_reading("vel_node_get_expected_utility", node, &vel_node_t::expected_utility);
 }
 
 float vel_node_get_variance_of_utility(const vel_node_t *node) {
-  vel::host::count_value_read();
-  if (!node) {
-    usage("vel_node_get_variance_of_utility: node is NULL");
-    return -1.0f;
-  }
-  if (!is_utility(node)) {
-    refuse(node, "is not a utility node");
-    return -1.0f;
-  }
-  _vel_error_code = 0;
-  return static_cast<float>(node->utility_variance);
+  return utility_reading("vel_node_get_variance_of_utility", node, &vel_node_t::utility_variance);
 }
 
 int vel_node_set_configured_state(vel_node_t *node, int64_t state) {
-  if (!node) return usage("vel_node_set_configured_state: node is NULL");
+  if (!check_not_null("vel_node_set_configured_state", "node", node)) return vel_error_usage;
   if (!vel::host::is_discrete(node)) return refuse(node, "has no states");
   if (state < -1 || state >= static_cast<int64_t>(node->state_count))
     return refuse(node, "has no such state");
@@ -206,7 +195,7 @@ int vel_node_set_configured_state(vel_node_t *node, int64_t state) {
 // A real-valued function node's configured value is its mode-1 cache, which
 // only its model may set.
 int vel_node_set_configured_value(vel_node_t *node, double value) {
-  if (!node) return usage("vel_node_set_configured_value: node is NULL");
+  if (!check_not_null("vel_node_set_configured_value", "node", node)) return vel_error_usage;
   if (vel::host::is_discrete(node)) return refuse(node, "takes a configured state, not a value");
   if (is_real_function(node)) return refuse(node, "gets its value from its model");
   if (node->kind > 0)

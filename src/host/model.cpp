@@ -13,6 +13,8 @@
 #include "host/storage_internal.h"
 #include "table_generator/entries.h"
 
+using vel::host::check_not_null;
+using vel::host::checked_get;
 using vel::host::guarded;
 using vel::host::ModelStorage;
 using vel::host::usage;
@@ -71,10 +73,7 @@ size_t array_length(uint64_t count) {
 extern "C" {
 
 vel_model_t *vel_node_new_model(vel_node_t *node, vel_node_t *const *model_nodes) {
-  if (!node) {
-    usage("vel_node_new_model: node is NULL");
-    return nullptr;
-  }
+  if (!check_not_null("vel_node_new_model", "node", node)) return nullptr;
   return guarded<vel_model_t *>(nullptr, [&]() -> vel_model_t * {
     std::string name = node->name;
     if (node->kind > 0) {
@@ -122,16 +121,11 @@ vel_model_t *vel_node_new_model(vel_node_t *node, vel_node_t *const *model_nodes
 }
 
 vel_model_t *vel_node_get_model(const vel_node_t *node) {
-  if (!node) {
-    usage("vel_node_get_model: node is NULL");
-    return nullptr;
-  }
-  _vel_error_code = 0;
-  return node->model;
+  return checked_get("vel_node_get_model", node, nullptr, [&] { return node->model; });
 }
 
 int vel_node_delete_model(vel_node_t *node) {
-  if (!node) return usage("vel_node_delete_model: node is NULL");
+  if (!check_not_null("vel_node_delete_model", "node", node)) return vel_error_usage;
   if (!node->model) return guarded<int>(vel_error_out_of_memory, [&] {
     return usage(std::string("node ") + node->name + " has no model");
   });
@@ -146,25 +140,16 @@ int vel_node_delete_model(vel_node_t *node) {
 }
 
 vel_node_t *const *vel_model_get_nodes(const vel_model_t *model) {
-  if (!model) {
-    usage("vel_model_get_nodes: model is NULL");
-    return nullptr;
-  }
-  _vel_error_code = 0;
-  return model->nodes;
+  return checked_get("vel_model_get_nodes", model, nullptr, [&] { return model->nodes; });
 }
 
 size_t vel_model_get_size(const vel_model_t *model) {
-  if (!model) {
-    usage("vel_model_get_size: model is NULL");
-    return static_cast<size_t>(-1);
-  }
-  _vel_error_code = 0;
-  return model->expression_count;
+  return checked_get("vel_model_get_size", model, static_cast<size_t>(-1),
+                     [&] { return model->expression_count; });
 }
 
 int vel_model_set_expression(vel_model_t *model, size_t index, vel_expression_t *expression) {
-  if (!model) return usage("vel_model_set_expression: model is NULL");
+  if (!check_not_null("vel_model_set_expression", "model", model)) return vel_error_usage;
   return guarded<int>(vel_error_out_of_memory, [&]() -> int {
     if (index >= model->expression_count)
       return usage("the model of " + owner_name(model) + " has no expression index " +
@@ -186,7 +171,7 @@ int vel_model_set_expression(vel_model_t *model, size_t index, vel_expression_t 
 
 int vel_model_set_expressions(vel_model_t *model, vel_expression_t *const *expressions,
                               size_t count) {
-  if (!model) return usage("vel_model_set_expressions: model is NULL");
+  if (!check_not_null("vel_model_set_expressions", "model", model)) return vel_error_usage;
   return guarded<int>(vel_error_out_of_memory, [&]() -> int {
     ModelStorage &storage = vel::host::storage_of(model);
     std::vector<vel_expression_t *> fresh;
@@ -219,10 +204,7 @@ int vel_model_set_expressions(vel_model_t *model, vel_expression_t *const *expre
 }
 
 vel_expression_t *vel_model_get_expression(const vel_model_t *model, size_t index) {
-  if (!model) {
-    usage("vel_model_get_expression: model is NULL");
-    return nullptr;
-  }
+  if (!check_not_null("vel_model_get_expression", "model", model)) return nullptr;
   return guarded<vel_expression_t *>(nullptr, [&]() -> vel_expression_t * {
     if (index >= model->expression_count) {
       usage("the model of " + owner_name(model) + " has no expression index " +
@@ -235,7 +217,7 @@ vel_expression_t *vel_model_get_expression(const vel_model_t *model, size_t inde
 }
 
 int vel_model_set_samples_per_interval(vel_model_t *model, size_t samples) {
-  if (!model) return usage("vel_model_set_samples_per_interval: model is NULL");
+  if (!check_not_null("vel_model_set_samples_per_interval", "model", model)) return vel_error_usage;
   if (samples == 0) return usage("samples per interval must be at least 1");
   if (samples > vel_max_samples_per_interval) {
     vel::set_error_message("samples per interval must be at most 1000000");
@@ -247,25 +229,17 @@ int vel_model_set_samples_per_interval(vel_model_t *model, size_t samples) {
 }
 
 size_t vel_model_get_samples_per_interval(const vel_model_t *model) {
-  if (!model) {
-    usage("vel_model_get_samples_per_interval: model is NULL");
-    return 0;
-  }
-  _vel_error_code = 0;
-  return model->samples_per_interval;
+  return checked_get("vel_model_get_samples_per_interval", model, 0,
+                     [&] { return model->samples_per_interval; });
 }
 
 int vel_model_get_tables_outdated(const vel_model_t *model) {
-  if (!model) {
-    usage("vel_model_get_tables_outdated: model is NULL");
-    return 0;
-  }
-  _vel_error_code = 0;
-  return model->tables_outdated != 0;
+  return checked_get("vel_model_get_tables_outdated", model, 0,
+                     [&] { return model->tables_outdated != 0; });
 }
 
 int vel_model_set_tables_outdated(vel_model_t *model, int outdated) {
-  if (!model) return usage("vel_model_set_tables_outdated: model is NULL");
+  if (!check_not_null("vel_model_set_tables_outdated", "model", model)) return vel_error_usage;
   model->tables_outdated = outdated ? 1 : 0;
   return _vel_error_code = 0;
 }

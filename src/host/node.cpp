@@ -5,6 +5,8 @@
 #include "host/api_guard_internal.h"
 #include "host/storage_internal.h"
 
+using vel::host::check_not_null;
+using vel::host::checked_get;
 using vel::host::guarded;
 using vel::host::NodeStorage;
 using vel::host::usage;
@@ -40,21 +42,13 @@ const char *combination_error(int category, int kind, int subtype) {
   return nullptr;
 }
 
-const vel_node_t *checked(const vel_node_t *node, const char *function) {
-  if (!node) usage(std::string(function) + ": node is NULL");
-  return node;
-}
-
 }  // namespace
 
 extern "C" {
 
 vel_node_t *vel_domain_new_node(vel_domain_t *domain, int category, int kind, int subtype,
                                 const char *name) {
-  if (!domain || !name) {
-    usage("vel_domain_new_node: domain or name is NULL");
-    return nullptr;
-  }
+  if (!check_not_null("vel_domain_new_node", "domain or name", domain, name)) return nullptr;
   return guarded<vel_node_t *>(nullptr, [&]() -> vel_node_t * {
     if (!is_identifier(name)) {
       usage(std::string("invalid node name '") + name + "'");
@@ -114,33 +108,23 @@ vel_node_t *vel_domain_new_node(vel_domain_t *domain, int category, int kind, in
 }
 
 const char *vel_node_get_name(const vel_node_t *node) {
-  if (!checked(node, "vel_node_get_name")) return nullptr;
-  _vel_error_code = 0;
-  return node->name;
+  return checked_get("vel_node_get_name", node, nullptr, [&] { return node->name; });
 }
 
 vel_domain_t *vel_node_get_domain(const vel_node_t *node) {
-  if (!checked(node, "vel_node_get_domain")) return nullptr;
-  _vel_error_code = 0;
-  return node->domain;
+  return checked_get("vel_node_get_domain", node, nullptr, [&] { return node->domain; });
 }
 
 int vel_node_get_category(const vel_node_t *node) {
-  if (!checked(node, "vel_node_get_category")) return 0;
-  _vel_error_code = 0;
-  return node->category;
+  return checked_get("vel_node_get_category", node, 0, [&] { return node->category; });
 }
 
 int vel_node_get_kind(const vel_node_t *node) {
-  if (!checked(node, "vel_node_get_kind")) return 0;
-  _vel_error_code = 0;
-  return node->kind;
+  return checked_get("vel_node_get_kind", node, 0, [&] { return node->kind; });
 }
 
 int vel_node_get_subtype(const vel_node_t *node) {
-  if (!checked(node, "vel_node_get_subtype")) return 0;
-  _vel_error_code = 0;
-  return node->subtype;
+  return checked_get("vel_node_get_subtype", node, 0, [&] { return node->subtype; });
 }
 
 }  // extern "C"

@@ -9,6 +9,7 @@
 #include "host/model_size_internal.h"
 #include "host/storage_internal.h"
 
+using vel::host::check_not_null;
 using vel::host::guarded;
 using vel::host::NodeStorage;
 using vel::host::usage;
@@ -32,7 +33,7 @@ size_t value_count(int subtype, size_t states) {
 extern "C" {
 
 int vel_node_set_number_of_states(vel_node_t *node, size_t count) {
-  if (!node) return usage("vel_node_set_number_of_states: node is NULL");
+  if (!check_not_null("vel_node_set_number_of_states", "node", node)) return vel_error_usage;
   return guarded<int>(vel_error_out_of_memory, [&]() -> int {
     if (!vel::host::is_discrete(node))
       return usage("node " + name_of(node) + " has no states");
@@ -80,10 +81,8 @@ int vel_node_set_number_of_states(vel_node_t *node, size_t count) {
 }
 
 size_t vel_node_get_number_of_states(const vel_node_t *node) {
-  if (!node) {
-    usage("vel_node_get_number_of_states: node is NULL");
+  if (!check_not_null("vel_node_get_number_of_states", "node", node))
     return static_cast<size_t>(-1);
-  }
   if (!vel::host::is_discrete(node)) {
     guarded<int>(vel_error_out_of_memory, [&] { return usage("node " + name_of(node) + " has no states"); });
     return static_cast<size_t>(-1);
@@ -93,7 +92,8 @@ size_t vel_node_get_number_of_states(const vel_node_t *node) {
 }
 
 int vel_node_set_state_label(vel_node_t *node, size_t state, const char *label) {
-  if (!node || !label) return usage("vel_node_set_state_label: node or label is NULL");
+  if (!check_not_null("vel_node_set_state_label", "node or label", node, label))
+    return vel_error_usage;
   return guarded<int>(vel_error_out_of_memory, [&]() -> int {
     if (node->subtype != vel_subtype_labeled || !vel::host::is_discrete(node))
       return usage("node " + name_of(node) + " is not a labeled node");
@@ -110,10 +110,7 @@ int vel_node_set_state_label(vel_node_t *node, size_t state, const char *label) 
 }
 
 const char *vel_node_get_state_label(const vel_node_t *node, size_t state) {
-  if (!node) {
-    usage("vel_node_get_state_label: node is NULL");
-    return nullptr;
-  }
+  if (!check_not_null("vel_node_get_state_label", "node", node)) return nullptr;
   return guarded<const char *>(nullptr, [&]() -> const char * {
     if (!vel::host::is_discrete(node) || !has_labels(node)) {
       usage("node " + name_of(node) + " has no state labels");
@@ -129,7 +126,7 @@ const char *vel_node_get_state_label(const vel_node_t *node, size_t state) {
 }
 
 int vel_node_set_state_value(vel_node_t *node, size_t index, double value) {
-  if (!node) return usage("vel_node_set_state_value: node is NULL");
+  if (!check_not_null("vel_node_set_state_value", "node", node)) return vel_error_usage;
   return guarded<int>(vel_error_out_of_memory, [&]() -> int {
     if (!vel::host::is_discrete(node) ||
         (node->subtype != vel_subtype_numbered && node->subtype != vel_subtype_interval))
@@ -144,10 +141,7 @@ int vel_node_set_state_value(vel_node_t *node, size_t index, double value) {
 
 double vel_node_get_state_value(const vel_node_t *node, size_t index) {
   const double nan = std::numeric_limits<double>::quiet_NaN();
-  if (!node) {
-    usage("vel_node_get_state_value: node is NULL");
-    return nan;
-  }
+  if (!check_not_null("vel_node_get_state_value", "node", node)) return nan;
   return guarded<double>(nan, [&]() -> double {
     if (!vel::host::is_discrete(node) ||
         (node->subtype != vel_subtype_numbered && node->subtype != vel_subtype_interval)) {

@@ -8,6 +8,8 @@
 #include "host/host.h"
 #include "host/storage_internal.h"
 
+using vel::host::check_not_null;
+using vel::host::checked_get;
 using vel::host::guarded;
 using vel::host::NodeStorage;
 using vel::host::usage;
@@ -93,7 +95,8 @@ void append(std::vector<vel_node_t *> &list, vel_node_t *node) {
 extern "C" {
 
 int vel_node_add_parent(vel_node_t *node, vel_node_t *parent) {
-  if (!node || !parent) return usage("vel_node_add_parent: node or parent is NULL");
+  if (!check_not_null("vel_node_add_parent", "node or parent", node, parent))
+    return vel_error_usage;
   return guarded<int>(vel_error_out_of_memory, [&]() -> int {
     std::string names = std::string(parent->name) + " as a parent of " + node->name;
     if (parent->domain != node->domain)
@@ -123,21 +126,13 @@ int vel_node_add_parent(vel_node_t *node, vel_node_t *parent) {
 }
 
 vel_node_t *const *vel_node_get_parents(const vel_node_t *node) {
-  if (!node) {
-    usage("vel_node_get_parents: node is NULL");
-    return nullptr;
-  }
-  _vel_error_code = 0;
-  return node->parents ? node->parents : empty_list;
+  return checked_get("vel_node_get_parents", node, nullptr,
+                     [&] { return node->parents ? node->parents : empty_list; });
 }
 
 vel_node_t *const *vel_node_get_children(const vel_node_t *node) {
-  if (!node) {
-    usage("vel_node_get_children: node is NULL");
-    return nullptr;
-  }
-  _vel_error_code = 0;
-  return node->children ? node->children : empty_list;
+  return checked_get("vel_node_get_children", node, nullptr,
+                     [&] { return node->children ? node->children : empty_list; });
 }
 
 }  // extern "C"

@@ -8,6 +8,7 @@
 #include "host/host.h"
 #include "host/storage_internal.h"
 
+using vel::host::check_not_null;
 using vel::host::usage;
 
 namespace {
@@ -46,10 +47,7 @@ double interval_point(const double *bounds, uint64_t state, double fraction) {
 }  // namespace
 
 extern "C" double vel_node_get_quantile(const vel_node_t *node, double p) {
-  if (!node) {
-    usage("vel_node_get_quantile: node is NULL");
-    return failed;
-  }
+  if (!check_not_null("vel_node_get_quantile", "node", node)) return failed;
   if (!vel::host::is_discrete(node)) {
     usage("vel_node_get_quantile: the node has no states");
     return failed;

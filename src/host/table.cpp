@@ -10,6 +10,8 @@
 #include "host/storage_internal.h"
 #include "table_generator/entries.h"
 
+using vel::host::check_not_null;
+using vel::host::checked_get;
 using vel::host::guarded;
 using vel::host::NodeStorage;
 using vel::host::TableStorage;
@@ -79,10 +81,7 @@ void outdate_models(vel_node_t *node) {
 extern "C" {
 
 vel_table_t *vel_node_get_table(vel_node_t *node) {
-  if (!node) {
-    usage("vel_node_get_table: node is NULL");
-    return nullptr;
-  }
+  if (!check_not_null("vel_node_get_table", "node", node)) return nullptr;
   return guarded<vel_table_t *>(nullptr, [&]() -> vel_table_t * {
     if (const char *reason = no_table_reason(node)) {
       usage(std::string("node ") + node->name + " " + reason);
@@ -136,59 +135,38 @@ vel_table_t *vel_node_get_table(vel_node_t *node) {
 }
 
 vel_node_t *const *vel_table_get_nodes(const vel_table_t *table) {
-  if (!table) {
-    usage("vel_table_get_nodes: table is NULL");
-    return nullptr;
-  }
-  _vel_error_code = 0;
-  return table->nodes;
+  return checked_get("vel_table_get_nodes", table, nullptr, [&] { return table->nodes; });
 }
 
 size_t vel_table_get_node_count(const vel_table_t *table) {
-  if (!table) {
-    usage("vel_table_get_node_count: table is NULL");
-    return static_cast<size_t>(-1);
-  }
-  _vel_error_code = 0;
-  return table->node_count;
+  return checked_get("vel_table_get_node_count", table, static_cast<size_t>(-1),
+                     [&] { return table->node_count; });
 }
 
 size_t vel_table_get_size(const vel_table_t *table) {
-  if (!table) {
-    usage("vel_table_get_size: table is NULL");
-    return static_cast<size_t>(-1);
-  }
-  _vel_error_code = 0;
-  return table->size;
+  return checked_get("vel_table_get_size", table, static_cast<size_t>(-1),
+                     [&] { return table->size; });
 }
 
 float *vel_table_get_data(vel_table_t *table) {
-  if (!table) {
-    usage("vel_table_get_data: table is NULL");
-    return nullptr;
-  }
-  _vel_error_code = 0;
-  return table->data;
+  return checked_get("vel_table_get_data", table, nullptr, [&] { return table->data; });
 }
 
 int vel_table_is_utility(const vel_table_t *table) {
-  if (!table) {
-    usage("vel_table_is_utility: table is NULL");
-    return 0;
-  }
-  _vel_error_code = 0;
-  return table->is_utility_table != 0;
+  return checked_get("vel_table_is_utility", table, 0,
+                     [&] { return table->is_utility_table != 0; });
 }
 
 int vel_node_set_table_data(vel_node_t *node, const double *entries, size_t count) {
-  if (!node) return usage("vel_node_set_table_data: node is NULL");
+  if (!check_not_null("vel_node_set_table_data", "node", node)) return vel_error_usage;
   vel_table_t *table = vel_node_get_table(node);
   if (!table) return _vel_error_code;
   return guarded<int>(vel_error_out_of_memory, [&]() -> int {
     if (count != table->size)
       return usage(std::string("the table of ") + node->name + " has " +
                    std::to_string(table->size) + " entries, got " + std::to_string(count));
-    if (count > 0 && !entries) return usage("vel_node_set_table_data: entries is NULL");
+    if (count > 0 && !check_not_null("vel_node_set_table_data", "entries", entries))
+      return vel_error_usage;
     for (size_t i = 0; i < count; ++i)
       if (!(std::fabs(entries[i]) <= FLT_MAX))
         return usage(std::string("entry ") + std::to_string(i) + " of the table of " + node->name +
