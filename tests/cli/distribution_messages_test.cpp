@@ -1,5 +1,6 @@
 // Faults of the parametric distributions through the vel program: the log
-// line each one writes (or none) and the error code it ends with.
+// line each one writes (or none) and the error code it ends with (beside
+// those the golden records hold).
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
@@ -79,8 +80,6 @@ const Fault parameter_faults[] = {
 INSTANTIATE_TEST_SUITE_P(Parameters, DistributionMessages, testing::ValuesIn(parameter_faults));
 
 const Fault range_faults[] = {
-    {"interval", "[0.5, 1, inf]", "Exponential(1)", 39,
-     "Node X: State range must include [0, inf) for Exponential distribution\n"},
     {"interval", "[1, 2, 5]", "truncate(Gamma(2, 1), 5)", 39,
      "Node X: State range must include [0, 5] for truncated Gamma distribution\n"},
     {"interval", "[0, 1, inf]", "Normal(0, 1)", 39,
@@ -101,15 +100,10 @@ const Fault range_faults[] = {
 INSTANTIATE_TEST_SUITE_P(Ranges, DistributionMessages, testing::ValuesIn(range_faults));
 
 const Fault mass_faults[] = {
-    {"interval", "[-inf, 10, 11, inf]", "truncate(10, Normal(0, 1e-6), 11)", 34,
-     "Invalid truncation of the Normal distribution (insufficient probability mass)\n"},
     {"interval", "[0, 1, 5]", "truncate(2, Uniform(0, 1), 3)", 34,
      "Invalid truncation of the Uniform distribution (insufficient probability mass)\n"},
     {"interval", "[0, 1, 2]", "truncate(1.5, Beta(2, 3), 1.5)", 34,
      "Invalid truncation of the Beta distribution (insufficient probability mass)\n"},
-    // The incomplete gamma ratio cannot reach its accuracy at x = a = 1e30.
-    {"interval", "[0, 1e30, inf]", "Gamma(1e30, 1)", 38,
-     "Computation failed for gamma distribution with parameters: shape = 1e+30, scale = 1\n"},
 };
 INSTANTIATE_TEST_SUITE_P(Masses, DistributionMessages, testing::ValuesIn(mass_faults));
 

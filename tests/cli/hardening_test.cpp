@@ -1,5 +1,6 @@
 // Files that once made the program loop, exhaust memory or overflow the
-// stack: each must now end promptly with an answer or a clear refusal.
+// stack: each must now end promptly with an answer or a clear refusal (the
+// hostile-input suite runs more such files under time and memory limits).
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
@@ -20,36 +21,6 @@ std::string states(int count) {
   std::string list;
   for (int i = 0; i < count; ++i) list += (i ? ", s" : "s") + std::to_string(i);
   return "[" + list + "]";
-}
-
-TEST(Hardening, StrayCommaEndsAtOnce) {
-#ifdef VEL_SANITIZED
-  GTEST_SKIP() << "the address sanitizer reserves more address space than the limit";
-#endif
-  vel_test::TempDir directory;
-  const std::string file = directory.write("comma.yaml", ",");
-  const auto run = run_vel_within(quarter_gigabyte, {"check", file});
-  EXPECT_EQ(run.status, 2);
-  EXPECT_EQ(run.err, file + ":1:1: unexpected text where a YAML document should start\n");
-}
-
-// A chain of 200,000 function nodes, each one more than the one before.
-TEST(Hardening, LongChainOfFunctionNodesInAFile) {
-  constexpr int length = 200000;
-  std::string text = "inference: {}\nnodes:\n  - {name: L, type: continuous, mean: 1, variance: 0, configured: 2}\n"
-                     "  - {name: F0, category: function, type: real, parents: [L], model: {nodes: [], expressions: [L]}}\n";
-  for (int i = 1; i < length; ++i) {
-    const std::string previous = "F" + std::to_string(i - 1);
-    text += "  - {name: F" + std::to_string(i) + ", category: function, type: real, parents: [" + previous +
-            "], model: {nodes: [], expressions: [" + previous + " + 1]}}\n";
-  }
-  vel_test::TempDir directory;
-  const std::string file = directory.write("chain.yaml", text);
-  const std::string last = "F" + std::to_string(length - 1);
-  // The shortest text that reads back to the value.
-  EXPECT_EQ(run_vel({"evaluate", file, "--node", last}).out, "2e+05\n");
-  EXPECT_EQ(run_vel({"evaluate", file, "--node", last, "--mode", "configured"}).out,
-            std::to_string(length + 1) + "\n");
 }
 
 // 100,000 nodes written children first, so that every parent comes later.
@@ -96,14 +67,6 @@ TEST(Hardening, HugeTablesAreRefusedWithinAQuarterGigabyte) {
                            "entries, more than the limit of 2^32\n");
   EXPECT_THAT(run_vel_within(quarter_gigabyte, {"check", modelled}).err,
               HasSubstr("node X: error: the table would have 20000000000 entries (80000000000 bytes)"));
-}
-
-TEST(Hardening, SamplesPerIntervalHaveAnUpperBound) {
-  vel_test::TempDir directory;
-  const std::string file =
-      directory.write("samples.yaml", "samples_per_interval: 18446744073709551615\nnodes: []\n");
-  EXPECT_EQ(run_vel({"check", file}).err,
-            file + ":1:23: samples_per_interval must be an integer from 1 to 1000000\n");
 }
 
 }  // namespace

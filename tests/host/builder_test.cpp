@@ -114,6 +114,13 @@ TEST_F(BuilderTest, SizesThatOverflow) {
   EXPECT_EQ(code_of(vel_node_get_table(child)), vel_error_too_large);
   EXPECT_STREQ(vel_error_message(),
                "the table of Child would have more than 2^64 entries, more than the limit of 2^32");
+  // Just beyond the limit: 2 * 65536 * 32769 entries.
+  vel_node_t *wide = discrete("Wide", vel_subtype_labeled, 2);
+  for (size_t states : {size_t{65536}, size_t{32769}}) {
+    const std::string name = "W" + std::to_string(states);
+    ASSERT_EQ(vel_node_add_parent(wide, discrete(name.c_str(), vel_subtype_labeled, states)), 0);
+  }
+  EXPECT_EQ(code_of(vel_node_get_table(wide)), vel_error_too_large);
   // A model over some of them: a new count of a model node must keep the size in range.
   vel_model_t *model = model_over(child, {nodes[0]});
   ASSERT_NE(model, nullptr);

@@ -17,6 +17,7 @@ const std::string base = "nodes:\n  - name: A\n    type: labeled\n    states: [a
 
 const Rejection rejections[] = {
     {"nodes: [1, 2\n", "model.yaml:2:1: end of sequence flow not found"},
+    {",", "model.yaml:1:1: unexpected text where a YAML document should start"},
     {"- 1\n", "model.yaml:1:1: a model file must be a mapping with a 'nodes' list"},
     {"nodes: []\n---\nnodes: []\n", "model.yaml:3:1: a model file holds one YAML document"},
     {"domain: d\nnode: []\n", "model.yaml:2:1: unknown key 'node'"},

@@ -34,6 +34,7 @@ const Rejection bif_rejections[] = {
     {"variable \"A { }", "net.bif:1:10: unterminated string"},
     {"varible A { }", "net.bif:1:1: expected 'network', 'variable' or 'probability', found 'varible'"},
     {"variable A { type discrete [ 3 ] { a0, a1 }; }", "net.bif:1:30: variable 'A' declares 3 states and lists 2"},
+    {"variable A { type discrete [ 1 ] { a0, a1 }; }", "net.bif:1:30: variable 'A' declares 1 states and lists 2"},
     {"variable A { type discrete [ 0 ] { }; }", "net.bif:1:34: variable 'A' has no states"},
     {"variable A { type discrete [ 2 ] { a0, a0 }; }", "net.bif:1:40: duplicate state 'a0' of 'A'"},
     {"variable A { type discrete [ 1 ] { \"\" }; }", "net.bif:1:36: empty state name"},

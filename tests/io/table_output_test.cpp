@@ -15,7 +15,7 @@ namespace {
 const char *const plant = R"(
 domain: plant
 nodes:
-  - {name: Season, type: labeled, states: [winter, "wet, \"cold\""], table: [0.1, 0.9]}
+  - {name: Season, type: labeled, states: ["winter, dry", "wet, \"cold\""], table: [0.1, 0.9]}
   - name: Temp
     type: interval
     states: [-inf, 0, 10.5]
@@ -47,12 +47,12 @@ TEST_F(TableOutput, CsvQuotesFieldsAsRfc4180) {
   EXPECT_EQ(out_.str(),
             "# Temp (conditional probability)\n"
             "Season,[-inf;0),[0;10.5)\n"
-            "winter,0.5,0.5\n"
+            "\"winter, dry\",0.5,0.5\n"
             "\"wet, \"\"cold\"\"\",0.33333334,0\n"
             "# Cost (utility)\n"
             "Season,Frost,utility\n"
-            "winter,false,-40\n"
-            "winter,true,1e-05\n"
+            "\"winter, dry\",false,-40\n"
+            "\"winter, dry\",true,1e-05\n"
             "\"wet, \"\"cold\"\"\",false,2.5\n"
             "\"wet, \"\"cold\"\"\",true,1e+08\n");
 }
@@ -67,12 +67,12 @@ TEST_F(TableOutput, JsonDocumentWithTheFailureThatEndedTheRun) {
             "  \"tables\": [\n"
             "    {\"node\": \"Season\", \"table\": \"conditional probability\",\n"
             "     \"nodes\": [\"Season\"],\n"
-            "     \"states\": [[\"winter\", \"wet, \\\"cold\\\"\"]],\n"
+            "     \"states\": [[\"winter, dry\", \"wet, \\\"cold\\\"\"]],\n"
             "     \"shape\": [2],\n"
             "     \"data\": [0.1, 0.9]},\n"
             "    {\"node\": \"Temp\", \"table\": \"conditional probability\",\n"
             "     \"nodes\": [\"Season\", \"Temp\"],\n"
-            "     \"states\": [[\"winter\", \"wet, \\\"cold\\\"\"], [\"[-inf;0)\", \"[0;10.5)\"]],\n"
+            "     \"states\": [[\"winter, dry\", \"wet, \\\"cold\\\"\"], [\"[-inf;0)\", \"[0;10.5)\"]],\n"
             "     \"shape\": [2, 2],\n"
             "     \"data\": [0.5, 0.5, 0.33333334, -0]}\n"
             "  ],\n"

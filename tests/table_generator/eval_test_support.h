@@ -1,16 +1,11 @@
-// Helpers for the expression tests: a domain whose nodes, built through the
-// public builder, are all parents of one function node, so that expressions
-// over them come from the real parser.
+// Helpers for the expression tests: every node made is a parent of one
+// function node, so that expressions over them come from the real parser.
 #pragma once
-
-#include <gtest/gtest.h>
 
 #include <memory>
 #include <vector>
 
-#include "host/records.h"
-#include "table_generator/table_generator.h"
-#include "vel/vel.h"
+#include "generation_test_support.h"
 
 namespace evaltest {
 
@@ -23,22 +18,24 @@ using Expr = std::unique_ptr<vel_expression_t, ExpressionDeleter>;
 // Bitwise-faithful comparison of doubles: NaN equals NaN, -0 differs from +0.
 bool same_double(double a, double b);
 
-class ExpressionTest : public ::testing::Test {
+class ExpressionTest : public gentest::GenerationTest {
  protected:
-  ExpressionTest();
-  ~ExpressionTest() override;
+  ExpressionTest() : child_(real_function("Child")) {}
 
   // Parents of child_; discrete ones get `states` states (booleans have two).
   vel_node_t *parent(const char *name, int category, int kind, int subtype, size_t states = 0);
+  vel_node_t *adopt(vel_node_t *node);
   // Discrete parents whose states carry these values or labels.
-  vel_node_t *numbered(const char *name, const std::vector<double> &values);
-  vel_node_t *labeled(const char *name, const std::vector<const char *> &labels);
+  vel_node_t *numbered(const char *name, const std::vector<double> &values) {
+    return adopt(GenerationTest::numbered(name, values));
+  }
+  vel_node_t *labeled(const char *name, const std::vector<const char *> &labels) {
+    return adopt(GenerationTest::labeled(name, labels));
+  }
   vel_node_t *interval(const char *name, size_t states) {
     return parent(name, vel_category_chance, vel_kind_discrete, vel_subtype_interval, states);
   }
-  vel_node_t *boolean(const char *name) {
-    return parent(name, vel_category_chance, vel_kind_discrete, vel_subtype_boolean);
-  }
+  vel_node_t *boolean(const char *name) { return adopt(GenerationTest::boolean(name)); }
   vel_node_t *continuous(const char *name) {
     return parent(name, vel_category_chance, vel_kind_continuous, vel_subtype_none);
   }
@@ -50,12 +47,8 @@ class ExpressionTest : public ::testing::Test {
 
   // Through a successful host call: in sanitized position-independent
   // executables, direct access to the thread-local code is misreported.
-  void clear_error_code();
+  void clear_error_code() { vel_domain_get_log_file(domain_); }
 
-  // Compiled domain with a sum equilibrium and these beliefs on `node`.
-  void propagate(vel_node_t *node, const std::vector<double> &beliefs);
-
-  vel_domain_t *domain_;
   vel_node_t *child_;  // the node whose parents the expressions refer to
 };
 
