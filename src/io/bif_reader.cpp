@@ -18,7 +18,7 @@
 #include "io/bif_tokens.h"
 #include "io/file_text.h"
 #include "io/network_file.h"
-#include "io/network_spec.h"
+#include "io/network_description.h"
 #include "io/text_positions.h"
 
 namespace vel::io {
@@ -28,9 +28,9 @@ namespace {
 using detail::BifLexer;
 using detail::BifToken;
 using detail::fail_at;
-using detail::NetworkSpec;
-using detail::TableSpec;
-using detail::VariableSpec;
+using detail::NetworkDescription;
+using detail::TableDescription;
+using detail::VariableDescription;
 
 std::string quoted(std::string_view text) { return "'" + std::string(text) + "'"; }
 
@@ -38,7 +38,7 @@ class BifReader {
  public:
   BifReader(const std::string &text, const std::string &file) : lexer_(text, file), file_(file) {}
 
-  NetworkSpec read() {
+  NetworkDescription read() {
     std::vector<BifLexer::Mark> blocks;
     for (BifToken token = lexer_.next(); token.kind != BifToken::end; token = lexer_.next()) {
       if (token.is("network")) {
@@ -52,15 +52,15 @@ class BifReader {
         fail(token, "expected 'network', 'variable' or 'probability', found " + token.describe());
       }
     }
-    if (spec_.name.empty()) spec_.name = file_stem(file_);
+    if (network_.name.empty()) network_.name = file_stem(file_);
 
-    index_ = detail::index_variables(file_, spec_);
-    table_of_.assign(spec_.variables.size(), false);
+    index_ = detail::index_variables(file_, network_);
+    table_of_.assign(network_.variables.size(), false);
     for (const BifLexer::Mark &block : blocks) {
       lexer_.reset(block);
       read_probability(lexer_.next());
     }
-    return std::move(spec_);
+    return std::move(network_);
   }
 
  private:
@@ -104,7 +104,7 @@ class BifReader {
     network_seen_ = true;
     const BifToken name = expect_name("the network's name");
     // "unknown" is what writers put when the network has no name.
-    if (name.text != "unknown" && !name.text.empty()) spec_.name = name.text;
+    if (name.text != "unknown" && !name.text.empty()) network_.name = name.text;
     expect('{');
     for (BifToken token = lexer_.next(); !token.is('}'); token = lexer_.next()) {
       if (!token.is("property")) fail(token, "expected 'property' or '}', found " + token.describe());
@@ -115,7 +115,7 @@ class BifReader {
 
   void read_variable() {
     const BifToken name = expect_name("a variable name");
-    VariableSpec variable;
+    VariableDescription variable;
     variable.name = name.text;
     variable.name_at = name.at;
     state_index_.emplace_back();
@@ -135,11 +135,11 @@ class BifReader {
     }
     if (!typed) fail(name, "variable " + quoted(variable.name) + " has no 'type'");
     skip_optional(';');
-    spec_.variables.push_back(std::move(variable));
+    network_.variables.push_back(std::move(variable));
   }
 
   // discrete [ N ] { s1, s2, ... };  (after `type`)
-  void read_states(VariableSpec &variable) {
+  void read_states(VariableDescription &variable) {
     const BifToken kind = lexer_.next();
     if (!kind.is("discrete")) fail(kind, "expected 'discrete', found " + kind.describe());
     expect('[');
@@ -192,7 +192,7 @@ class BifReader {
   void read_probability(const BifToken &keyword) {
     expect('(');
     const BifToken name = expect_name("a variable name");
-    TableSpec table;
+    TableDescription table;
     table.variable = variable_index(name);
     table.at = keyword.at;
     if (table_of_[table.variable]) fail(name, "a second probability block for " + quoted(name.text));
@@ -201,11 +201,11 @@ class BifReader {
     for (BifToken token = lexer_.peek(); !token.is(')'); token = lexer_.peek()) {
       if (!table.parents.empty()) skip_optional(',');
       const BifToken parent = expect_name("a parent name");
-      detail::add_parent(file_, spec_, index_, table, parent.text, parent.at);
+      detail::add_parent(file_, network_, index_, table, parent.text, parent.at);
     }
     lexer_.next();
-    Entries entries(table, detail::table_entries(file_, spec_, table),
-                    spec_.variables[table.variable].states.size());
+    Entries entries(table, detail::table_entries(file_, network_, table),
+                    network_.variables[table.variable].states.size());
     expect('{');
     for (BifToken token = lexer_.next(); !token.is('}'); token = lexer_.next()) {
       if (token.is('(')) read_row(entries, token);
@@ -216,14 +216,14 @@ class BifReader {
     }
     skip_optional(';');
     finish(entries, keyword);
-    spec_.tables.push_back(std::move(table));
+    network_.tables.push_back(std::move(table));
   }
 
   // A table being filled: its rows (one per parent configuration) of
   // `states` entries each.
   struct Entries {
-    Entries(TableSpec &table, std::size_t size, std::size_t states) : table(table), size(size), states(states) {}
-    TableSpec &table;
+    Entries(TableDescription &table, std::size_t size, std::size_t states) : table(table), size(size), states(states) {}
+    TableDescription &table;
     std::size_t size;
     std::size_t states;
     std::vector<bool> given;           // rows written so far
@@ -243,7 +243,7 @@ class BifReader {
   }
 
   const std::string &variable_name(const Entries &entries) const {
-    return spec_.variables[entries.table.variable].name;
+    return network_.variables[entries.table.variable].name;
   }
 
   // Numbers up to ';', separated by commas or blanks; `store(i, value)` for
@@ -269,7 +269,7 @@ class BifReader {
     entries.rows = true;
     std::size_t row = 0;
     for (std::size_t i = 0; i < entries.table.parents.size(); ++i) {
-      const VariableSpec &parent = spec_.variables[entries.table.parents[i]];
+      const VariableDescription &parent = network_.variables[entries.table.parents[i]];
       if (i > 0) skip_optional(',');
       const BifToken state = expect_name("a state of " + quoted(parent.name));
       const auto &index = state_index_[entries.table.parents[i]];
@@ -324,7 +324,7 @@ class BifReader {
     const std::vector<std::size_t> &parents = entries.table.parents;
     std::vector<std::string_view> names(parents.size());
     for (std::size_t i = parents.size(); i-- > 0;) {
-      const std::vector<std::string> &states = spec_.variables[parents[i]].states;
+      const std::vector<std::string> &states = network_.variables[parents[i]].states;
       names[i] = states[row % states.size()];
       row /= states.size();
     }
@@ -335,7 +335,7 @@ class BifReader {
 
   BifLexer lexer_;
   const std::string &file_;
-  NetworkSpec spec_;
+  NetworkDescription network_;
   bool network_seen_ = false;
   std::vector<std::unordered_map<std::string_view, std::size_t>> state_index_;  // per variable
   std::unordered_map<std::string, std::size_t> index_;

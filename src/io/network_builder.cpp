@@ -6,7 +6,7 @@
 #include <utility>
 
 #include "io/library_reason.h"
-#include "io/network_spec.h"
+#include "io/network_description.h"
 #include "io/number_parsing.h"
 #include "io/text_positions.h"
 
@@ -19,18 +19,18 @@ std::string quoted(std::string_view text) { return "'" + std::string(text) + "'"
 }  // namespace
 
 std::unordered_map<std::string, std::size_t> index_variables(const std::string &file,
-                                                             const NetworkSpec &spec) {
+                                                             const NetworkDescription &network) {
   std::unordered_map<std::string, std::size_t> index;
-  for (std::size_t i = 0; i < spec.variables.size(); ++i) {
-    const VariableSpec &variable = spec.variables[i];
+  for (std::size_t i = 0; i < network.variables.size(); ++i) {
+    const VariableDescription &variable = network.variables[i];
     if (!index.emplace(variable.name, i).second)
       fail_at(file, variable.name_at, "duplicate variable " + quoted(variable.name));
   }
   return index;
 }
 
-void add_parent(const std::string &file, const NetworkSpec &spec,
-                const std::unordered_map<std::string, std::size_t> &index, TableSpec &table,
+void add_parent(const std::string &file, const NetworkDescription &network,
+                const std::unordered_map<std::string, std::size_t> &index, TableDescription &table,
                 std::string_view name, Position at) {
   const auto found = index.find(std::string(name));
   if (found == index.end()) fail_at(file, at, "unknown parent " + quoted(name));
@@ -38,25 +38,25 @@ void add_parent(const std::string &file, const NetworkSpec &spec,
   if (parent == table.variable) fail_at(file, at, "variable " + quoted(name) + " cannot be its own parent");
   if (std::find(table.parents.begin(), table.parents.end(), parent) != table.parents.end())
     fail_at(file, at, "duplicate parent " + quoted(name));
-  if (spec.variables[parent].category == vel_category_utility)
+  if (network.variables[parent].category == vel_category_utility)
     fail_at(file, at, "utility variable " + quoted(name) + " cannot be a parent");
   table.parents.push_back(parent);
   table.parent_at.push_back(at);
 }
 
-std::size_t table_entries(const std::string &file, NetworkSpec &spec, const TableSpec &table) {
-  const VariableSpec &variable = spec.variables[table.variable];
+std::size_t table_entries(const std::string &file, NetworkDescription &network, const TableDescription &table) {
+  const VariableDescription &variable = network.variables[table.variable];
   const std::string too_many = "with the table of " + quoted(variable.name) + " the network would have more than " +
                                std::to_string(max_network_entries) + " entries";
-  const std::size_t room = max_network_entries - spec.entries;
+  const std::size_t room = max_network_entries - network.entries;
   std::size_t size = std::max<std::size_t>(variable.states.size(), 1);
   for (const std::size_t parent : table.parents) {
-    const std::size_t count = spec.variables[parent].states.size();
+    const std::size_t count = network.variables[parent].states.size();
     if (count != 0 && size > room / count) fail_at(file, table.at, too_many);
     size *= count;
   }
   if (size > room) fail_at(file, table.at, too_many);
-  spec.entries += size;
+  network.entries += size;
   return size;
 }
 
@@ -69,15 +69,15 @@ double read_entry(const std::string &file, std::string_view text, Position at) {
   return value;
 }
 
-LoadedModel build_network(const std::string &file, NetworkSpec spec) {
+LoadedModel build_network(const std::string &file, NetworkDescription network) {
   LoadedModel model;
-  model.name = std::move(spec.name);
+  model.name = std::move(network.name);
   model.domain.reset(vel_domain_new());
   if (!model.domain) fail_at(file, {1, 1}, "cannot create the domain: " + library_reason());
 
   std::vector<vel_node_t *> nodes;
-  nodes.reserve(spec.variables.size());
-  for (const VariableSpec &variable : spec.variables) {
+  nodes.reserve(network.variables.size());
+  for (const VariableDescription &variable : network.variables) {
     const bool utility = variable.category == vel_category_utility;
     vel_node_t *node = vel_domain_new_node(model.domain.get(), variable.category,
                                            utility ? vel_kind_stateless : vel_kind_discrete,
@@ -97,7 +97,7 @@ LoadedModel build_network(const std::string &file, NetworkSpec spec) {
     nodes.push_back(node);
   }
 
-  for (TableSpec &table : spec.tables) {
+  for (TableDescription &table : network.tables) {
     vel_node_t *node = nodes[table.variable];
     for (std::size_t i = 0; i < table.parents.size(); ++i)
       if (vel_node_add_parent(node, nodes[table.parents[i]]) != 0)

@@ -18,7 +18,7 @@
 
 #include "io/file_text.h"
 #include "io/network_file.h"
-#include "io/network_spec.h"
+#include "io/network_description.h"
 #include "io/text_positions.h"
 
 namespace vel::io {
@@ -26,9 +26,9 @@ namespace vel::io {
 namespace {
 
 using detail::fail_at;
-using detail::NetworkSpec;
-using detail::TableSpec;
-using detail::VariableSpec;
+using detail::NetworkDescription;
+using detail::TableDescription;
+using detail::VariableDescription;
 
 constexpr std::string_view xml_blanks = " \t\r\n";
 
@@ -71,7 +71,7 @@ struct Definition {
 };
 
 struct Variable {
-  VariableSpec spec;
+  VariableDescription described;
   Position at;
   bool named = false;
 };
@@ -80,7 +80,7 @@ class XmlbifReader {
  public:
   explicit XmlbifReader(const std::string &file) : file_(file) {}
 
-  NetworkSpec read(const std::string &text) {
+  NetworkDescription read(const std::string &text) {
     std::unique_ptr<XML_ParserStruct, void (*)(XML_Parser)> parser(XML_ParserCreate(nullptr), XML_ParserFree);
     if (!parser) fail_at(file_, {1, 1}, "cannot create the XML parser");
     parser_ = parser.get();
@@ -183,7 +183,7 @@ class XmlbifReader {
       std::string_view type = "nature";
       for (const XML_Char **attribute = attributes; *attribute; attribute += 2)
         if (std::string_view(attribute[0]) == "TYPE") type = trimmed(attribute[1]);
-      int &category = variables_.back().spec.category;
+      int &category = variables_.back().described.category;
       if (type == "nature") category = vel_category_chance;
       else if (type == "decision") category = vel_category_decision;
       else if (type == "utility") category = vel_category_utility;
@@ -218,12 +218,12 @@ class XmlbifReader {
           Variable &variable = variables_.back();
           if (variable.named) return stop(text_.at, "a second NAME in <VARIABLE>");
           variable.named = true;
-          variable.spec.name = text;
-          variable.spec.name_at = text_.at;
+          variable.described.name = text;
+          variable.described.name_at = text_.at;
         }
         break;
       case Element::outcome: {
-        VariableSpec &variable = variables_.back().spec;
+        VariableDescription &variable = variables_.back().described;
         if (variable.states.empty()) variable.states_at = text_.at;
         variable.states.emplace_back(text);
         break;
@@ -248,23 +248,23 @@ class XmlbifReader {
 
   void finish_variable(const Variable &variable) {
     if (!variable.named) return stop(variable.at, "a VARIABLE needs a NAME");
-    const VariableSpec &spec = variable.spec;
-    const bool utility = spec.category == vel_category_utility;
-    if (utility && !spec.states.empty())
-      return stop(spec.states_at, "utility variable " + quoted(spec.name) + " takes no OUTCOME");
-    if (!utility && spec.states.empty())
-      return stop(variable.at, "variable " + quoted(spec.name) + " has no OUTCOME");
+    const VariableDescription &described = variable.described;
+    const bool utility = described.category == vel_category_utility;
+    if (utility && !described.states.empty())
+      return stop(described.states_at, "utility variable " + quoted(described.name) + " takes no OUTCOME");
+    if (!utility && described.states.empty())
+      return stop(variable.at, "variable " + quoted(described.name) + " has no OUTCOME");
   }
 
-  NetworkSpec resolve() {
-    NetworkSpec spec;
-    spec.name = network_name_.empty() ? file_stem(file_) : network_name_;
+  NetworkDescription resolve() {
+    NetworkDescription network;
+    network.name = network_name_.empty() ? file_stem(file_) : network_name_;
     for (Variable &variable : variables_) {
-      if (variable.spec.states_at.line == 0) variable.spec.states_at = variable.at;
-      spec.variables.push_back(std::move(variable.spec));
+      if (variable.described.states_at.line == 0) variable.described.states_at = variable.at;
+      network.variables.push_back(std::move(variable.described));
     }
-    const auto index = detail::index_variables(file_, spec);
-    std::vector<bool> defined(spec.variables.size(), false);
+    const auto index = detail::index_variables(file_, network);
+    std::vector<bool> defined(network.variables.size(), false);
     for (Definition &definition : definitions_) {
       const Text &name = *definition.for_name;
       const std::string target(trimmed(name.text));
@@ -272,24 +272,24 @@ class XmlbifReader {
       if (found == index.end()) fail_at(file_, name.at, "unknown variable " + quoted(target));
       if (defined[found->second]) fail_at(file_, name.at, "a second DEFINITION for " + quoted(target));
       defined[found->second] = true;
-      TableSpec table;
+      TableDescription table;
       table.variable = found->second;
       table.at = definition.table ? definition.table->at : definition.at;
       for (const Text &given : definition.given)
-        detail::add_parent(file_, spec, index, table, trimmed(given.text), given.at);
-      const std::size_t size = detail::table_entries(file_, spec, table);
-      if (definition.table) read_entries(spec, table, *definition.table, size);
-      spec.tables.push_back(std::move(table));
+        detail::add_parent(file_, network, index, table, trimmed(given.text), given.at);
+      const std::size_t size = detail::table_entries(file_, network, table);
+      if (definition.table) read_entries(network, table, *definition.table, size);
+      network.tables.push_back(std::move(table));
     }
-    return spec;
+    return network;
   }
 
-  void read_entries(const NetworkSpec &spec, TableSpec &table, const Text &text, std::size_t size) {
+  void read_entries(const NetworkDescription &network, TableDescription &table, const Text &text, std::size_t size) {
     // Count first: the entries are allocated only for a table of the right size.
     std::size_t count = 0;
     for_each_word(text.text, [&](std::size_t, std::string_view) { ++count; });
     if (count != size)
-      fail_at(file_, text.at, "the TABLE of " + quoted(spec.variables[table.variable].name) + " needs " +
+      fail_at(file_, text.at, "the TABLE of " + quoted(network.variables[table.variable].name) + " needs " +
                                   std::to_string(size) + " numbers; found " + std::to_string(count));
     table.entries.reserve(size);
     for_each_word(text.text, [&](std::size_t offset, std::string_view word) {
