@@ -159,6 +159,10 @@ batch_plan_t *lay_out(Layout &layout, vel_table_t *table, const vel_model_t *mod
   double *lane_rows = layout.take<double>(3 * n * sizes.lanes);
   double *argument_values = layout.take<double>(c);
   bool *argument_failed = layout.take<bool>(c);
+  const double **argument_columns = layout.take<const double *>(c);
+  uint64_t *argument_steps = layout.take<uint64_t>(c);
+  double *lane_sums = layout.take<double>(sizes.lanes);
+  double *lane_quotients = layout.take<double>(sizes.lanes);
   const uint64_t b = sizes.block_states;
   uint32_t *block_point_state = layout.take<uint32_t>(b * model->samples_per_interval);
   uint64_t *block_offset = layout.take<uint64_t>(b + 1);
@@ -210,6 +214,10 @@ batch_plan_t *lay_out(Layout &layout, vel_table_t *table, const vel_model_t *mod
   plan->argument_values = argument_values;
   plan->argument_failed = argument_failed;
   plan->argument_capacity = c;
+  plan->argument_columns = argument_columns;
+  plan->argument_steps = argument_steps;
+  plan->lane_sums = lane_sums;
+  plan->lane_quotients = lane_quotients;
   plan->block_states = b;
   plan->block_point_state = block_point_state;
   plan->block_offset = block_offset;

@@ -135,6 +135,13 @@ struct batch_plan_t {
   double *argument_values;  // a builder's arguments in one lane
   bool *argument_failed;
   uint64_t argument_capacity;
+  // A Distribution's weights over the lanes of one prefix: each argument's
+  // first value and its step (1 or 0), each lane's sum of weights, and one
+  // argument's quotients.
+  const double **argument_columns;
+  uint64_t *argument_steps;
+  double *lane_sums;
+  double *lane_quotients;
   // Rows computed together across the states of the innermost level's parent
   // (block_states of them; 0: each row by itself), when every table node
   // after it selects the expression, so that the rows of a program all share

@@ -359,48 +359,90 @@ void average_block_points(batch_plan_t *plan, const double *values, uint64_t str
       }
     }
 }
-// The weights of every lane of a model whose expression is
-// Distribution(w1, ..., wn) itself, gathered argument by argument and made
-// probabilities as explicit_distribution makes them (summed in argument
-// order, each divided by the sum).  A lane with a failed, negative or
-// all-zero weight leaves its state to the scalar path, which reports it.
-// Writes each lane's mean row only; false: not such a model.
-bool distribution_lanes(batch_plan_t *plan, batch_program_t *program, uint64_t lanes) {
+// The block's rows of a model whose expression is Distribution(w1, ..., wn)
+// itself, argument by argument over the lanes: each lane's weights summed in
+// argument order, each divided by the sum (as explicit_distribution makes
+// them), and the quotients averaged over each state's points as
+// average_block_points averages them.  Within the lanes of one prefix an
+// argument either varies with every lane (the innermost level) or is one
+// value, so it is read with a step of 1 or 0.  A lane with a failed,
+// negative or all-zero weight leaves its state to the scalar path, which
+// reports it.  Leaves state s of prefix p at item p * states + s; false: not
+// such a model.
+bool distribution_block(batch_plan_t *plan, batch_program_t *program) {
   const batch_shape_t &shape = program->shapes[program->root];
-  const uint64_t n = plan->n, width = 3 * n, total = plan->level_count[plan->levels];
+  const uint64_t n = plan->n, states = plan->block_states, total = plan->level_count[plan->levels];
   if (shape.kind != shape_builder || shape.expression->operator_ != vel_op_Distribution ||
       shape.argument_count != n)
     return false;
-  double *rows = plan->lane_rows;
-  for (uint32_t a = 0; a < n; ++a) {
-    const int32_t i = program->arguments[shape.arguments + a];
-    const uint32_t level = program->code[i].level;
-    const uint64_t spread = level == 0 ? lanes : plan->level_spread[level * (plan->levels + 1) + plan->levels];
-    const double *value = plan->registers + i * plan->lane_capacity;
-    const uint8_t *failed = plan->any_failed[i] ? plan->failed + i * plan->lane_capacity : nullptr;
-    if (spread == 1) {
-      for (uint64_t lane = 0; lane < lanes; ++lane) rows[lane * width + a] = value[lane];
-    } else {
-      for (uint64_t at = 0, lane = 0; lane < lanes; ++at)
-        for (const uint64_t end = lane + spread; lane < end; ++lane) rows[lane * width + a] = value[at];
+  const uint64_t prefixes = plan->level_lanes[plan->levels - 1];
+  const double **column = plan->argument_columns;
+  uint64_t *step = plan->argument_steps;
+  double *sum = plan->lane_sums, *quotient = plan->lane_quotients;
+  uint8_t *ok = program->block_ok;
+  for (uint64_t p = 0; p < prefixes; ++p) {
+    const uint64_t base = p * total;
+    for (uint64_t a = 0; a < n; ++a) {
+      const int32_t i = program->arguments[shape.arguments + a];
+      const uint32_t level = program->code[i].level;
+      const double *value = plan->registers + i * plan->lane_capacity;
+      const uint8_t *failed = plan->failed + i * plan->lane_capacity;
+      const bool inner = level == plan->levels;
+      const uint64_t at = level == 0 ? 0 : base / plan->level_spread[level * (plan->levels + 1) + plan->levels];
+      column[a] = inner ? value + base : value + at;
+      step[a] = inner ? 1 : 0;
+      if (plan->any_failed[i]) {
+        if (!inner && failed[at])
+          for (uint64_t s = 0; s < states; ++s) ok[s] = 0;
+        if (inner)
+          for (uint64_t k = 0; k < total; ++k)
+            if (failed[base + k]) ok[plan->block_point_state[k]] = 0;
+      }
     }
-    if (failed)
-      for (uint64_t lane = 0; lane < lanes; ++lane)
-        if (failed[lane / spread]) program->block_ok[plan->block_point_state[lane % total]] = 0;
-  }
-  for (uint64_t lane = 0; lane < lanes; ++lane) {
-    double *w = rows + lane * width;
-    double sum = 0.0;
-    bool negative = false;
+    // Each lane's sum, and its lowest weight (or zero) in `quotient` for now.
+    double *lowest = quotient;
+    for (uint64_t k = 0; k < total; ++k) sum[k] = lowest[k] = 0.0;
+    for (uint64_t a = 0; a < n; ++a) {
+      const double *w = column[a];
+      if (step[a]) {
+        for (uint64_t k = 0; k < total; ++k) {
+          sum[k] += w[k];
+          lowest[k] = w[k] < lowest[k] ? w[k] : lowest[k];
+        }
+      } else {
+        const double c = w[0];
+        for (uint64_t k = 0; k < total; ++k) {
+          sum[k] += c;
+          lowest[k] = c < lowest[k] ? c : lowest[k];
+        }
+      }
+    }
+    for (uint64_t k = 0; k < total; ++k)
+      if (lowest[k] < 0.0 || sum[k] == 0.0) ok[plan->block_point_state[k]] = 0;
     for (uint64_t j = 0; j < n; ++j) {
-      negative |= w[j] < 0.0;
-      sum += w[j];
+      // The quotients first, in a loop the compiler vectorises; then each
+      // state's mean, minimum and maximum in order.
+      if (step[j]) {
+        for (uint64_t k = 0; k < total; ++k) quotient[k] = column[j][k] / sum[k];
+      } else {
+        for (uint64_t k = 0; k < total; ++k) quotient[k] = column[j][0] / sum[k];
+      }
+      for (uint64_t s = 0; s < states; ++s) {
+        const uint64_t first = plan->block_offset[s], last = plan->block_offset[s + 1];
+        double mean = quotient[first], low = mean, high = mean;
+        for (uint64_t k = first + 1; k < last; ++k) {
+          const double v = quotient[k];
+          mean += v;
+          if (v < low) low = v;
+          if (high < v) high = v;
+        }
+        if (plan->block_sampling[s] == sampling_averaged) mean /= static_cast<double>(plan->samples);
+        double *row = plan->lane_rows + 3 * n * (p * states + s);
+        row[j] = mean;
+        row[n + j] = low;
+        row[2 * n + j] = high;
+      }
     }
-    if (negative || sum == 0.0) {
-      program->block_ok[plan->block_point_state[lane % total]] = 0;
-      continue;
-    }
-    for (uint64_t j = 0; j < n; ++j) w[j] /= sum;
   }
   return true;
 }
@@ -434,20 +476,18 @@ void compute_block(batch_plan_t *plan, batch_program_t *program) {
       for (uint64_t lane = 0; lane < lanes; ++lane)
         if (plan->failed[root * plan->lane_capacity + lane]) program->block_ok[plan->block_point_state[lane % total]] = 0;
     average_block_points(plan, plan->registers + root * plan->lane_capacity, 1);
-  } else {
-    if (!plan->probability || !distribution_lanes(plan, program, lanes)) {
-      for (uint64_t lane = 0; lane < lanes; ++lane) {
-        double *row = plan->lane_rows + 3 * plan->n * lane;
-        int code;
-        if (plan->probability) {
-          code = lane_row(plan, program, lane, row);
-        } else {
-          bool failed = false;
-          row[0] = value_at(plan, program, root, lane, &failed);
-          code = failed ? unusual : 0;
-        }
-        if (code != 0) program->block_ok[plan->block_point_state[lane % total]] = 0;
+  } else if (!plan->probability || !distribution_block(plan, program)) {
+    for (uint64_t lane = 0; lane < lanes; ++lane) {
+      double *row = plan->lane_rows + 3 * plan->n * lane;
+      int code;
+      if (plan->probability) {
+        code = lane_row(plan, program, lane, row);
+      } else {
+        bool failed = false;
+        row[0] = value_at(plan, program, root, lane, &failed);
+        code = failed ? unusual : 0;
       }
+      if (code != 0) program->block_ok[plan->block_point_state[lane % total]] = 0;
     }
     average_block_points(plan, plan->lane_rows, 3 * plan->n);
   }
