@@ -11,10 +11,7 @@
 #include "host/operators.h"
 #include "host/storage_internal.h"
 
-using vel::host::check_not_null;
-using vel::host::guarded;
-using vel::host::OperatorInfo;
-using vel::host::usage;
+using namespace vel::host;
 
 namespace {
 

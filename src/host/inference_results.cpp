@@ -12,9 +12,7 @@
 #include "host/storage_internal.h"
 #include "table_generator/entries.h"
 
-using vel::host::check_not_null;
-using vel::host::guarded;
-using vel::host::usage;
+using namespace vel::host;
 
 namespace {
 
@@ -22,6 +20,16 @@ namespace {
 int refuse(const vel_node_t *node, const char *what) {
   return guarded<int>(vel_error_out_of_memory,
                       [&] { return usage(std::string("node ") + node->name + " " + what); });
+}
+
+// A result of the node was stated: its variance fields (when `moments`),
+// the readers of the old results and the function nodes computed from them
+// follow.  Returns 0, the call's success.
+int results_changed(vel_node_t *node, bool moments) {
+  if (moments) write_variance(node);
+  outdate_inference_readers(node->domain, node);
+  _vel_invalidate_function_children(node, vel_mode_inference);
+  return _vel_error_code = 0;
 }
 
 bool fits_float(double x) { return std::fabs(x) <= FLT_MAX; }
@@ -101,10 +109,7 @@ int vel_node_set_beliefs(vel_node_t *node, const double *beliefs, size_t count) 
       return refuse(node, "takes finite, non-negative beliefs only");
   float *data = node->belief_table->data;
   for (size_t i = 0; i < count; ++i) data[i] = static_cast<float>(beliefs[i]);
-  vel::host::write_variance(node);
-  vel::host::outdate_inference_readers(node->domain, node);
-  _vel_invalidate_function_children(node, vel_mode_inference);
-  return _vel_error_code = 0;
+  return results_changed(node, true);
 }
 
 double vel_node_get_belief(const vel_node_t *node, size_t state) {
@@ -123,9 +128,7 @@ int vel_node_set_evidence(vel_node_t *node, int64_t state) {
   if (state < -1 || state >= static_cast<int64_t>(node->state_count))
     return refuse(node, "has no such state");
   node->evidence.state = state;
-  vel::host::outdate_inference_readers(node->domain, node);
-  _vel_invalidate_function_children(node, vel_mode_inference);
-  return _vel_error_code = 0;
+  return results_changed(node, false);
 }
 
 int vel_node_set_mean_and_variance(vel_node_t *node, double mean, double variance) {
@@ -135,10 +138,7 @@ int vel_node_set_mean_and_variance(vel_node_t *node, double mean, double varianc
     return refuse(node, "takes a finite mean and a finite, non-negative variance");
   node->mean = mean;
   node->propagated_variance = variance;
-  vel::host::write_variance(node);
-  vel::host::outdate_inference_readers(node->domain, node);
-  _vel_invalidate_function_children(node, vel_mode_inference);
-  return _vel_error_code = 0;
+  return results_changed(node, true);
 }
 
 double vel_node_get_mean(const vel_node_t *node) {
@@ -168,10 +168,7 @@ int vel_node_set_expected_utility(vel_node_t *node, double expected_utility, dou
     return refuse(node, "takes single-precision expected utilities and variances");
   node->expected_utility = expected_utility;
   node->utility_variance = variance;
-  vel::host::write_variance(node);
-  vel::host::outdate_inference_readers(node->domain, node);
-  _vel_invalidate_function_children(node, vel_mode_inference);
-  return _vel_error_code = 0;
+  return results_changed(node, true);
 }
 
 float vel_node_get_expected_utility(const vel_node_t *node, int) {

@@ -13,11 +13,7 @@
 #include "host/storage_internal.h"
 #include "table_generator/entries.h"
 
-using vel::host::check_not_null;
-using vel::host::checked_get;
-using vel::host::guarded;
-using vel::host::ModelStorage;
-using vel::host::usage;
+using namespace vel::host;
 
 namespace vel::host {
 

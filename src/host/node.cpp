@@ -5,11 +5,7 @@
 #include "host/api_guard_internal.h"
 #include "host/storage_internal.h"
 
-using vel::host::check_not_null;
-using vel::host::checked_get;
-using vel::host::guarded;
-using vel::host::NodeStorage;
-using vel::host::usage;
+using namespace vel::host;
 
 namespace {
 

@@ -9,10 +9,7 @@
 #include "host/model_size_internal.h"
 #include "host/storage_internal.h"
 
-using vel::host::check_not_null;
-using vel::host::guarded;
-using vel::host::NodeStorage;
-using vel::host::usage;
+using namespace vel::host;
 
 namespace {
 

@@ -12,8 +12,7 @@
 #include "inference/junction_forest.h"
 #include "table_generator/entries.h"
 
-using vel::host::guarded;
-using vel::host::usage;
+using namespace vel::host;
 
 namespace {
 

@@ -5,8 +5,7 @@
 #include "host/storage_internal.h"
 #include "inference/junction_forest.h"
 
-using vel::host::guarded;
-using vel::host::usage;
+using namespace vel::host;
 using vel::inference::forest_of;
 using vel::inference::JunctionForest;
 

@@ -35,17 +35,17 @@ class Compiler {
       case vel_op_node:
         return emit({op_sample, 0, static_cast<uint16_t>(level), 0, -1, -1, -1, -1, e});
       case vel_op_min:
-      case vel_op_max: {
-        int32_t held = value(args[0]);
-        for (size_t i = 1; args[i] && !failed_; ++i)
-          held = combine(op == vel_op_min ? op_min_step : op_max_step, op, held, value(args[i]), false);
-        return held;
-      }
+      case vel_op_max:
       case vel_op_and:
       case vel_op_or: {
+        // A chain of steps, each over the value held and the next argument.
+        const uint8_t step = op == vel_op_min ? op_min_step
+                             : op == vel_op_max ? op_max_step
+                             : op == vel_op_and ? op_and
+                                                : op_or;
+        const bool boolean = op == vel_op_and || op == vel_op_or;
         int32_t held = value(args[0]);
-        for (size_t i = 1; args[i] && !failed_; ++i)
-          held = combine(op == vel_op_and ? op_and : op_or, op, held, value(args[i]), true);
+        for (size_t i = 1; args[i] && !failed_; ++i) held = combine(step, op, held, value(args[i]), boolean);
         return held;
       }
       case vel_op_not:
