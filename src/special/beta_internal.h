@@ -76,4 +76,13 @@ double psi(double xx);
 double sum_minus_one(double a, double b);
 double sum_minus_two(double a, double b);
 
+// a / (a + b) and b / (a + b), formed from the ratio of the smaller
+// parameter to the larger as the published routines form them.
+inline void parameter_shares(double a, double b, double *a_share, double *b_share) {
+  const double h = a > b ? b / a : a / b;
+  const double larger = 1.0 / (1.0 + h), smaller = h / (1.0 + h);
+  *a_share = a > b ? larger : smaller;
+  *b_share = a > b ? smaller : larger;
+}
+
 }  // namespace vel::special

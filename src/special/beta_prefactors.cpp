@@ -30,18 +30,8 @@ void log_pair(double x, double y, double *lnx, double *lny) {
 double large_exponent(double a, double b, double x, double y, double *root) {
   double x0;
   double y0;
-  double lambda;
-  if (a > b) {
-    const double h = b / a;
-    x0 = 1.0 / (1.0 + h);
-    y0 = h / (1.0 + h);
-    lambda = (a + b) * y - b;
-  } else {
-    const double h = a / b;
-    x0 = h / (1.0 + h);
-    y0 = 1.0 / (1.0 + h);
-    lambda = a - (a + b) * x;
-  }
+  parameter_shares(a, b, &x0, &y0);
+  const double lambda = a > b ? (a + b) * y - b : a - (a + b) * x;
   double e = -lambda / a;
   const double u = std::fabs(e) > 0.6 ? e - std::log(x / x0) : rlog1(e);
   e = lambda / b;

@@ -110,18 +110,8 @@ double bcorr(double a0, double b0) {
 double algdiv(double a, double b) {
   double c;
   double x;
-  double d;
-  if (a > b) {
-    const double h = b / a;
-    c = 1.0 / (1.0 + h);
-    x = h / (1.0 + h);
-    d = a + (b - 0.5);
-  } else {
-    const double h = a / b;
-    c = h / (1.0 + h);
-    x = 1.0 / (1.0 + h);
-    d = b + (a - 0.5);
-  }
+  parameter_shares(a, b, &c, &x);
+  const double d = a > b ? a + (b - 0.5) : b + (a - 0.5);
   const double w = stirling_difference(b, c, x);
   const double u = d * alnrel(a / b);
   const double v = a * (std::log(b) - 1.0);
