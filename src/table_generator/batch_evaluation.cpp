@@ -28,36 +28,38 @@ class Evaluation {
     lanes_ = lanes_of(in.level);
     value_ = plan_->registers + i * plan_->lane_capacity;
     failed_ = plan_->failed + i * plan_->lane_capacity;
-    guard_ = in.guard >= 0 ? operand(in.guard, in.level).value : nullptr;
-    guard_spread_ = in.guard >= 0 ? operand(in.guard, in.level).spread : 1;
+    const Operand guard = operand(in.guard, in.level);
+    guard_ = guard.value;
+    guard_spread_ = guard.spread;
     guard_when_ = in.guard_when != 0;
+    const Operand a = operand(in.a, in.level), b = operand(in.b, in.level), c = operand(in.c, in.level);
     bool any = false;
     switch (in.kind) {
       case op_sample:
         sample(in.level);
         break;
       case op_unary:
-        any = unary(in.code, operand(in.a, in.level));
+        any = unary(in.code, a);
         break;
       case op_binary:
-        any = binary(in.code, operand(in.a, in.level), operand(in.b, in.level));
+        any = binary(in.code, a, b);
         break;
       case op_min_step:
       case op_max_step:
-        any = steps(in.kind == op_min_step, operand(in.a, in.level), operand(in.b, in.level));
+        any = steps(in.kind == op_min_step, a, b);
         break;
       case op_compare:
-        any = compare(in.code, operand(in.a, in.level), operand(in.b, in.level));
+        any = compare(in.code, a, b);
         break;
       case op_and:
       case op_or:
-        any = logic(in.kind == op_and, operand(in.a, in.level), operand(in.b, in.level));
+        any = logic(in.kind == op_and, a, b);
         break;
       case op_not:
-        any = negation(operand(in.a, in.level));
+        any = negation(a);
         break;
       case op_if:
-        any = choice(operand(in.a, in.level), operand(in.b, in.level), operand(in.c, in.level));
+        any = choice(a, b, c);
         break;
       default:
         break;
@@ -68,7 +70,10 @@ class Evaluation {
  private:
   uint64_t lanes_of(uint32_t level) const { return level <= plan_->outer ? 1 : plan_->level_lanes[level]; }
 
+  // Instruction i's values as an operand at `level`; none (no values, a
+  // spread of 1) for i < 0.
   Operand operand(int32_t i, uint32_t level) const {
+    if (i < 0) return Operand{nullptr, nullptr, 1};
     const uint32_t from = program_->code[i].level;
     return Operand{plan_->registers + i * plan_->lane_capacity,
                    plan_->any_failed[i] ? plan_->failed + i * plan_->lane_capacity : nullptr,
