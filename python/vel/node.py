@@ -31,6 +31,14 @@ def print_expression(expression):
     return buffer.value.decode()
 
 
+def _locked_property(read, doc=None):
+    """A property whose value `read(node)` is taken under the domain's lock."""
+    def get(node):
+        with node.domain._lock:
+            return read(node)
+    return property(get, doc=doc)
+
+
 class Node:
     """A node of a Domain.  Nodes are compared by identity in the library;
     they stay valid as long as their domain is open."""
@@ -55,34 +63,17 @@ class Node:
     def __repr__(self):
         return f"<vel.Node {self.name} ({self.category}, {self.type})>"
 
-    @property
-    def name(self):
-        with self.domain._lock:
-            return c.text(c.vel_node_get_name(self.pointer))
-
-    @property
-    def category(self):
-        with self.domain._lock:
-            return _CATEGORY_NAMES.get(c.vel_node_get_category(self.pointer), "chance")
-
-    @property
-    def type(self):
-        with self.domain._lock:
-            return _states.type_name(self.pointer)
+    name = _locked_property(lambda node: c.text(c.vel_node_get_name(node.pointer)))
+    category = _locked_property(
+        lambda node: _CATEGORY_NAMES.get(c.vel_node_get_category(node.pointer), "chance"))
+    type = _locked_property(lambda node: _states.type_name(node.pointer))
 
     # States
 
-    @property
-    def states(self):
-        """Labels, False/True, numbers, or (low, high) intervals."""
-        with self.domain._lock:
-            return _states.states(self.pointer)
-
-    @property
-    def state_names(self):
-        """The states as the program writes them ("[0;10)", "true", "16")."""
-        with self.domain._lock:
-            return _states.names(self.pointer)
+    states = _locked_property(lambda node: _states.states(node.pointer),
+                              "Labels, False/True, numbers, or (low, high) intervals.")
+    state_names = _locked_property(lambda node: _states.names(node.pointer),
+                                   'The states as the program writes them ("[0;10)", "true", "16").')
 
     @property
     def bounds(self):
@@ -103,15 +94,11 @@ class Node:
 
     # Parents
 
-    @property
-    def parents(self):
-        with self.domain._lock:
-            return [Node(self.domain, p) for p in c.node_list(c.vel_node_get_parents(self.pointer))]
+    parents = _locked_property(lambda node: node._nodes(c.vel_node_get_parents(node.pointer)))
+    children = _locked_property(lambda node: node._nodes(c.vel_node_get_children(node.pointer)))
 
-    @property
-    def children(self):
-        with self.domain._lock:
-            return [Node(self.domain, p) for p in c.node_list(c.vel_node_get_children(self.pointer))]
+    def _nodes(self, node_list):
+        return [Node(self.domain, p) for p in c.node_list(node_list)]
 
     def add_parent(self, parent):
         with self.domain._lock:
