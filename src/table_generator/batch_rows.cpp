@@ -14,14 +14,6 @@ namespace {
 // The row must be computed on the scalar path.
 constexpr int unusual = -1;
 
-// A sum of `samples` points over their count.  When the count is a power of
-// two its reciprocal is exact, and the product is the quotient to the bit at
-// a fraction of a division's cost.
-double per_sample(double sum, uint64_t samples) {
-  if ((samples & (samples - 1)) == 0) return sum * (1.0 / static_cast<double>(samples));
-  return sum / static_cast<double>(samples);
-}
-
 batch_program_t *program_for(batch_plan_t *plan, const vel_expression_t *expression) {
   for (uint32_t s = 0; s < plan->slot_count; ++s)
     if (plan->slots[s].expression == expression) return &plan->slots[s];
