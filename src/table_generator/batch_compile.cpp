@@ -308,6 +308,53 @@ void assign_guards(batch_program_t *program, bool probability) {
   }
 }
 
+// Registers: an instruction read only by later instructions of its own level
+// (not by a row's shape or the root, nor by an instruction of another level,
+// all of which may read it after its level's pass) hands its register on
+// after its last reader to a later instruction of that level, so that the
+// lanes of a pass stay in fewer registers, which the cache holds.  An
+// instruction never takes a register its own operands hold: no loop writes
+// over what it reads.  Works in the plan's `seen`, free after compiling.
+void assign_registers(batch_plan_t *plan, batch_program_t *program) {
+  constexpr int32_t kept = INT32_MAX;
+  batch_instruction_t *code = program->code;
+  const uint32_t count = program->count;
+  int32_t *last = plan->seen;                     // per instruction: its last reader, or kept
+  int32_t *next_free = plan->seen + count;        // per register: the next free one of its level
+  int32_t *first_free = plan->seen + 2 * count;   // per level: a free register, or -1
+  for (uint32_t i = 0; i < count; ++i) last[i] = code[i].level == 0 ? kept : -1;
+  auto keep = [&](int32_t i) {
+    if (i >= 0) last[i] = kept;
+  };
+  if (!plan->probability) keep(program->root);
+  for (uint32_t s = 0; s < program->shape_count; ++s) {
+    keep(program->shapes[s].value);
+    keep(program->shapes[s].upper);
+  }
+  for (uint32_t k = 0; k < program->argument_count; ++k) keep(program->arguments[k]);
+  for (uint32_t r = 0; r < count; ++r)
+    for (const int32_t o : {code[r].a, code[r].b, code[r].c, code[r].guard})
+      if (o >= 0 && last[o] != kept) last[o] = code[o].level == code[r].level ? static_cast<int32_t>(r) : kept;
+  for (uint32_t level = 0; level <= plan->levels; ++level) first_free[level] = -1;
+  int32_t registers = 0;
+  for (uint32_t i = 0; i < count; ++i) {
+    const uint16_t level = code[i].level;
+    int32_t reg = first_free[level];
+    if (reg >= 0) {
+      first_free[level] = next_free[reg];
+    } else {
+      reg = registers++;
+    }
+    code[i].reg = static_cast<uint32_t>(reg);
+    for (const int32_t o : {code[i].a, code[i].b, code[i].c, code[i].guard}) {
+      if (o < 0 || last[o] != static_cast<int32_t>(i)) continue;
+      last[o] = -1;  // an operand named twice is freed once
+      next_free[code[o].reg] = first_free[level];
+      first_free[level] = static_cast<int32_t>(code[o].reg);
+    }
+  }
+}
+
 }  // namespace
 
 int compile_program(batch_plan_t *plan, batch_program_t *program, const vel_expression_t *expression) {
@@ -320,7 +367,10 @@ int compile_program(batch_plan_t *plan, batch_program_t *program, const vel_expr
   program->root = plan->probability ? compiler.shape(expression, plan->node->subtype)
                                     : compiler.value(expression);
   program->compiled = !compiler.failed() && program->root >= 0;
-  if (program->compiled) assign_guards(program, plan->probability);
+  if (program->compiled) {
+    assign_guards(program, plan->probability);
+    assign_registers(plan, program);
+  }
   program->block_serial = 0;
   program->reads_block_node = 0;
   const vel_node_t *block_node = plan->block_states ? plan->level_node[plan->levels] : nullptr;

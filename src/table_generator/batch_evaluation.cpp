@@ -26,8 +26,8 @@ class Evaluation {
   void run(uint32_t i) {
     const batch_instruction_t &in = program_->code[i];
     lanes_ = lanes_of(in.level);
-    value_ = plan_->registers + i * plan_->lane_capacity;
-    failed_ = plan_->failed + i * plan_->lane_capacity;
+    value_ = register_values(plan_, program_, static_cast<int32_t>(i));
+    failed_ = register_failures(plan_, program_, static_cast<int32_t>(i));
     const Operand guard = operand(in.guard, in.level);
     guard_ = guard.value;
     guard_spread_ = guard.spread;
@@ -75,8 +75,8 @@ class Evaluation {
   Operand operand(int32_t i, uint32_t level) const {
     if (i < 0) return Operand{nullptr, nullptr, 1};
     const uint32_t from = program_->code[i].level;
-    return Operand{plan_->registers + i * plan_->lane_capacity,
-                   plan_->any_failed[i] ? plan_->failed + i * plan_->lane_capacity : nullptr,
+    return Operand{register_values(plan_, program_, i),
+                   plan_->any_failed[i] ? register_failures(plan_, program_, i) : nullptr,
                    plan_->level_spread[from * (plan_->levels + 1) + level]};
   }
 

@@ -137,7 +137,7 @@ batch_plan_t *lay_out(Layout &layout, vel_table_t *table, const vel_model_t *mod
   uint64_t *level_lanes = layout.take<uint64_t>(k + 1);
   uint64_t *level_spread = layout.take<uint64_t>((k + 1) * (k + 1));
   uint64_t seen_size = 1;
-  while (seen_size < 2 * c) seen_size *= 2;
+  while (seen_size < 2 * c + k + 1) seen_size *= 2;
   int32_t *seen = layout.take<int32_t>(seen_size);
   batch_program_t *slots = layout.take<batch_program_t>(sizes.slots);
   batch_program_t programs[slot_budget];

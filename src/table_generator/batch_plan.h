@@ -44,6 +44,8 @@ struct batch_instruction_t {
   // that lanes which take the other branch may skip the work; -1: none.
   int32_t guard = -1;
   uint8_t guard_when = 0;
+  // The register holding the values (see assign_registers).
+  uint32_t reg = 0;
 };
 
 // How the row of a probability table comes out of the values: the
@@ -129,8 +131,8 @@ struct batch_plan_t {
   uint64_t *level_index;    // the outer walk's current point per level
   uint64_t *level_lanes;    // lanes of a value that varies with the levels up to j
   uint64_t *level_spread;   // [from * (levels + 1) + to]: lanes of level `to` per value of `from`
-  int32_t *seen;            // compiling: instructions by hash, for common subexpressions
-  uint64_t seen_size;       // a power of two
+  int32_t *seen;            // compiling: instructions by hash, for common subexpressions;
+  uint64_t seen_size;       // a power of two, room for 2 * capacity + levels + 1 afterwards
   double *lane_rows;        // each lane's row: three rows of n, lane after lane
   double *argument_values;  // a builder's arguments in one lane
   bool *argument_failed;
@@ -172,6 +174,14 @@ batch_plan_t *batch_plan_in(void *memory, vel_table_t *table, const vel_model_t 
 // has been written to the log then, and the code is not the row's).
 int batch_row(batch_plan_t *plan, const vel_expression_t *expression, uint64_t changed, double *out,
               double *accumulators);
+
+// Instruction i's values and failure flags (lane_capacity of each).
+inline double *register_values(const batch_plan_t *plan, const batch_program_t *program, int32_t i) {
+  return plan->registers + program->code[i].reg * plan->lane_capacity;
+}
+inline uint8_t *register_failures(const batch_plan_t *plan, const batch_program_t *program, int32_t i) {
+  return plan->failed + program->code[i].reg * plan->lane_capacity;
+}
 
 // Compiling (batch_compile.cpp) and evaluating (batch_evaluation.cpp).
 int compile_program(batch_plan_t *plan, batch_program_t *program, const vel_expression_t *expression);

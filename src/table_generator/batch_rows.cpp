@@ -45,8 +45,8 @@ void evaluate_configuration(batch_plan_t *plan, batch_program_t *program) {
       program->row_failed[i] = failed;
       program->row_serial[i] = plan->serial;
     }
-    plan->registers[i * plan->lane_capacity] = program->row_value[i];
-    plan->failed[i * plan->lane_capacity] = program->row_failed[i];
+    *register_values(plan, program, static_cast<int32_t>(i)) = program->row_value[i];
+    *register_failures(plan, program, static_cast<int32_t>(i)) = program->row_failed[i];
     plan->any_failed[i] = program->row_failed[i];
   }
 }
@@ -95,8 +95,8 @@ double value_at(const batch_plan_t *plan, const batch_program_t *program, int32_
   const uint32_t level = program->code[i].level;
   const uint64_t spread = plan->level_spread[level * (plan->levels + 1) + plan->levels];
   const uint64_t at = spread == 1 ? lane : level == 0 ? 0 : lane / spread;
-  *failed = plan->any_failed[i] && plan->failed[i * plan->lane_capacity + at];
-  return plan->registers[i * plan->lane_capacity + at];
+  *failed = plan->any_failed[i] && register_failures(plan, program, i)[at];
+  return register_values(plan, program, i)[at];
 }
 
 // The row of one lane of a probability table, as distribution_of_node makes
@@ -164,8 +164,8 @@ int lane_rows(batch_plan_t *plan, const batch_program_t *program, uint64_t lanes
   const int32_t root = program->root;
   if (program->code[root].level == plan->levels && plan->levels > plan->outer) {
     // One value per lane already: copied as it stands.
-    const double *value = plan->registers + root * plan->lane_capacity;
-    const uint8_t *failed = plan->failed + root * plan->lane_capacity;
+    const double *value = register_values(plan, program, root);
+    const uint8_t *failed = register_failures(plan, program, root);
     if (plan->any_failed[root])
       for (uint64_t lane = 0; lane < lanes; ++lane)
         if (failed[lane]) return unusual;
@@ -385,8 +385,8 @@ bool distribution_block(batch_plan_t *plan, batch_program_t *program) {
     for (uint64_t a = 0; a < n; ++a) {
       const int32_t i = program->arguments[shape.arguments + a];
       const uint32_t level = program->code[i].level;
-      const double *value = plan->registers + i * plan->lane_capacity;
-      const uint8_t *failed = plan->failed + i * plan->lane_capacity;
+      const double *value = register_values(plan, program, i);
+      const uint8_t *failed = register_failures(plan, program, i);
       const bool inner = level == plan->levels;
       const uint64_t at = level == 0 ? 0 : base / plan->level_spread[level * (plan->levels + 1) + plan->levels];
       column[a] = inner ? value + base : value + at;
@@ -474,8 +474,8 @@ void compute_block(batch_plan_t *plan, batch_program_t *program) {
     // A utility whose value varies over every lane: its values are the rows.
     if (plan->any_failed[root])
       for (uint64_t lane = 0; lane < lanes; ++lane)
-        if (plan->failed[root * plan->lane_capacity + lane]) program->block_ok[plan->block_point_state[lane % total]] = 0;
-    average_block_points(plan, plan->registers + root * plan->lane_capacity, 1);
+        if (register_failures(plan, program, root)[lane]) program->block_ok[plan->block_point_state[lane % total]] = 0;
+    average_block_points(plan, register_values(plan, program, root), 1);
   } else if (!plan->probability || !distribution_block(plan, program)) {
     for (uint64_t lane = 0; lane < lanes; ++lane) {
       double *row = plan->lane_rows + 3 * plan->n * lane;
