@@ -150,12 +150,7 @@ TEST(Export, RefusalsFailuresAndLeavingNodesOut) {
 )yaml");
   const std::string twice = directory.write("twice.yaml", "nodes:\n  - {name: T, type: labeled, states: [x, x]}\n");
   const std::string out = directory.path() + "/out";
-  const struct {
-    std::vector<std::string> arguments;
-    int status;
-    std::string out;
-    std::string err;
-  } cases[] = {
+  const vel_test::Expected cases[] = {
       {{decisions, "--to", "xmlbif"}, 2, "",
        "vel: " + decisions + ": node Level: a continuous node cannot be written in XMLBIF (--chance-only leaves it out)\n"},
       {{labels, "--to", "bif"}, 2, "",
@@ -171,16 +166,9 @@ TEST(Export, RefusalsFailuresAndLeavingNodesOut) {
        "vel: cannot write '" + directory.path() + "/none/a.uai': No such file or directory\n"},
       {{vel_test::data_file("two_failures.yaml"), "--to", "bif", "-o", out}, 1, "",
        "vel: Umbrella: error 34 (vel_error_invalid_expression): "},
-      {{vel_test::data_file("two_failures.yaml"), "--to", "pdf"}, 2, "", "--to: pdf not in {bif,xmlbif,uai}\n"},
+      {{vel_test::data_file("two_failures.yaml"), "--to", "pdf"}, 2, "", "--to: pdf not in {bif,xmlbif,uai}\nRun with --help for more information.\n"},
   };
-  for (const auto &c : cases) {
-    std::vector<std::string> arguments{"export"};
-    arguments.insert(arguments.end(), c.arguments.begin(), c.arguments.end());
-    const auto run = run_vel(arguments);
-    EXPECT_EQ(run.status, c.status) << testing::PrintToString(arguments);
-    EXPECT_EQ(run.out, c.out) << testing::PrintToString(arguments);
-    EXPECT_THAT(run.err, testing::StartsWith(c.err)) << testing::PrintToString(arguments);
-  }
+  for (const auto &c : cases) vel_test::expect_run({"export"}, c);
   // Nothing is written when the export fails.
   EXPECT_FALSE(std::filesystem::exists(out));
   const auto bif_decision = run_vel({"export", decisions, "--to", "bif", "--chance-only"});

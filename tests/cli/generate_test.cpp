@@ -22,12 +22,7 @@ std::vector<std::string> lines_of(const std::string &text) {
 TEST(Generate, SelectionOutputAndStatus) {
   const std::string rainy = data_file("two_failures.yaml"), tank = data_file("function_node.yaml");
   const std::string invalid = "vel: Umbrella: error 34 (vel_error_invalid_expression): Invalid expression at index 1\n";
-  const struct {
-    std::vector<std::string> arguments;
-    int status;
-    std::string out;
-    std::string err;
-  } cases[] = {
+  const vel_test::Expected cases[] = {
       // Every node with a model in file order up to the failure; tables
       // generated before it stay in the document.
       {{rainy, "--format", "json"}, 1,
@@ -53,7 +48,7 @@ TEST(Generate, SelectionOutputAndStatus) {
        "vel: Volume: error 1 (vel_error_usage): Volume is a real-valued function node and has no table\n"},
       {{tank, "--format", "json"}, 0, "{\n  \"domain\": \"tank\",\n  \"tables\": [],\n  \"error\": null\n}\n", ""},
       // --all adds the literal tables in file order.
-      {{rainy, "--all", "--node", "Rain"}, 2, "", ""},
+      {{rainy, "--all", "--node", "Rain"}, 2, "", "--node excludes --all\nRun with --help for more information.\n"},
       {{rainy, "--all", "--format", "csv"}, 1,
        "# Cloudy (conditional probability)\nfalse,true\n0.6,0.4\n\n"
        "# Rain (conditional probability)\nCloudy,false,true\nfalse,0.9,0.1\ntrue,0.3,0.7\n",
@@ -62,23 +57,14 @@ TEST(Generate, SelectionOutputAndStatus) {
       {{rainy, "--node", "Rain", "--node", "Nope", "--log", "-"}, 2, "",
        "vel: " + rainy + ": no node named 'Nope'\n"},
       {{rainy, "--log", ""}, 2, "", "vel: cannot open log file '': No such file or directory\n"},
-      {{rainy, "--output-dir", "x"}, 2, "", ""},
+      {{rainy, "--output-dir", "x"}, 2, "", "--output-dir requires --format\nRun with --help for more information.\n"},
       {{"/nonexistent/m.yaml", "--format", "json"}, 2,
        "{\n  \"domain\": null,\n  \"tables\": [],\n  \"error\": {\"code\": null, \"name\": \"load_error\", "
        "\"node\": null, \"message\": \"/nonexistent/m.yaml: No such file or directory\"}\n}\n",
        "/nonexistent/m.yaml: No such file or directory\n"},
   };
   for (const auto &c : cases) {
-    std::vector<std::string> arguments{"generate"};
-    arguments.insert(arguments.end(), c.arguments.begin(), c.arguments.end());
-    if (c.status != 2) arguments.push_back("--no-log");
-    const auto run = run_vel(arguments);
-    const std::string label = testing::PrintToString(c.arguments);
-    EXPECT_EQ(run.status, c.status) << label;
-    EXPECT_EQ(run.out, c.out) << label;
-    if (!c.err.empty()) {
-      EXPECT_EQ(run.err, c.err) << label;
-    }
+    vel_test::expect_run({"generate"}, c, c.status != 2 ? std::vector<std::string>{"--no-log"} : std::vector<std::string>{});
   }
 }
 

@@ -27,12 +27,7 @@ const std::string beliefs_json =
     " \"expected_utilities\": [{\"node\": \"Comfort\", \"value\": -2.3333333}], \"error\": null}\n";
 
 TEST(Infer, DocumentsAndEvidenceFromTheCommandLine) {
-  const struct {
-    std::vector<std::string> arguments;
-    int status;
-    std::string out;
-    std::string err;
-  } cases[] = {
+  const vel_test::Expected cases[] = {
       {{}, 0,
        "probability of the evidence: 0.28125\n"
        "Rain:  false 0.33333334  true 0.6666667\n"
@@ -70,14 +65,7 @@ TEST(Infer, DocumentsAndEvidenceFromTheCommandLine) {
       {{"--evidence", "Wet=soaked"}, 2, "", "vel: --evidence Wet=soaked: names no state of the node\n"},
       {{"--evidence", "Rain"}, 2, "", "vel: --evidence Rain: is not NODE=STATE\n"},
   };
-  for (const auto &c : cases) {
-    std::vector<std::string> arguments{"infer", umbrella};
-    arguments.insert(arguments.end(), c.arguments.begin(), c.arguments.end());
-    const auto run = run_vel(arguments);
-    EXPECT_EQ(run.status, c.status) << arguments.back();
-    EXPECT_EQ(run.out, c.out) << arguments.back();
-    EXPECT_EQ(run.err, c.err) << arguments.back();
-  }
+  for (const auto &c : cases) vel_test::expect_run({"infer", umbrella}, c);
 }
 
 // Without results a table or value that reads them fails, and says how to

@@ -35,4 +35,18 @@ class TempDir {
 // Path of a file under tests/cli/data.
 std::string data_file(const std::string &name);
 
+// A run of the program and what it must answer: the exit status, all of
+// stdout, and stderr: the whole of it when `err` is empty or ends in a
+// newline, else its beginning.
+struct Expected {
+  std::vector<std::string> arguments;
+  int status;
+  std::string out;
+  std::string err;
+};
+// Runs `command` followed by the case's arguments and `extra`, and checks
+// what it answers.
+void expect_run(const std::vector<std::string> &command, const Expected &expected,
+                const std::vector<std::string> &extra = {});
+
 }  // namespace vel_test
