@@ -8,6 +8,7 @@
 // rows after the block and folded in.
 #pragma once
 
+#include <bit>
 #include <cstdint>
 
 #include "host/records.h"
@@ -27,7 +28,11 @@ inline void fold_sample(double *block, const double *scratch, uint64_t n) {
 // two its reciprocal is exact, and the product is the quotient to the bit at
 // a fraction of a division's cost.
 inline double per_sample(double sum, uint64_t samples) {
-  if ((samples & (samples - 1)) == 0) return sum * (1.0 / static_cast<double>(samples));
+  if ((samples & (samples - 1)) == 0) {
+    // 2^-k, built from its exponent bits rather than by a division.
+    const uint64_t exponent = 1023 - static_cast<uint64_t>(std::countr_zero(samples));
+    return sum * std::bit_cast<double>(exponent << 52);
+  }
   return sum / static_cast<double>(samples);
 }
 
