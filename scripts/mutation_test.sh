@@ -27,6 +27,10 @@ mutants=(
   'src/table_generator/compute_distribution.cpp|if (result[i] < 0.0) {|if (result[i] < -1.0) {'
   'src/table_generator/discrete.cpp|mass * law->q * (kk - 1 + r) / kk|mass * law->q * (kk + r) / kk'
   'src/table_generator/discrete.cpp|if (static_cast<double>(n) <= law->first)|if (static_cast<double>(n) < law->first)'
+  # batch evaluation
+  'src/table_generator/batch_rows.cpp|lowest[k] = w[k] < lowest[k] ? w[k] : lowest[k];|lowest[k] = 0.0;'
+  'src/table_generator/batch_compile.cpp|last[o] = code[o].level == code[r].level ? static_cast<int32_t>(r) : kept;|last[o] = static_cast<int32_t>(r);'
+  'src/table_generator/sampler.h|const uint64_t exponent = 1023 - |const uint64_t exponent = 1022 - '
   # inference
   'src/inference/propagation.cpp|if (static_cast<int64_t>(j) != state) clique.values[i] = 0.0;|if (static_cast<int64_t>(j) == state) clique.values[i] = 0.0;'
   'src/inference/results.cpp|total = max ? std::fmax(total, m) : total + m;|total = max ? total + m : std::fmax(total, m);'

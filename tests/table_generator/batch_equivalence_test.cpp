@@ -153,7 +153,10 @@ TEST_F(BatchEquivalence, RandomModelsAgreeToTheBit) {
     const std::string one = kind == "utility" ? expressions.number(3) : expressions.distribution(kind, 3);
     const std::string two = kind == "utility" ? expressions.number(2) : expressions.distribution(kind, 2);
     vel_model_t *m = model(x, {f}, {one.c_str(), two.c_str()});
-    vel_model_set_samples_per_interval(m, 1 + expressions.pick(4));
+    // Now and then more sample points than fit in lanes: A is then walked
+    // point by point around B's lanes.
+    const unsigned samples = 1 + expressions.pick(4);
+    vel_model_set_samples_per_interval(m, round % 25 == 24 ? 33 : samples);
     const Outcome batch = generate(x, 0);
     const Outcome scalar = generate(x, 1);
     SCOPED_TRACE(kind + ": " + one + " | " + two);
@@ -166,6 +169,22 @@ TEST_F(BatchEquivalence, RandomModelsAgreeToTheBit) {
     if (batch.code == 0) ++generated;
   }
   EXPECT_GT(generated, 200) << "a fair share of the models generate whole";
+}
+
+// More points than fit in lanes: A and B are walked point by point around
+// C's lanes, and A's terms must outlast B's steps.
+TEST_F(BatchEquivalence, OuterLevelsWalkedPointByPoint) {
+  vel_node_t *a = interval("A", {0, 1, 2});
+  vel_node_t *b = interval("B", {0, 1, 3});
+  vel_node_t *c = interval("C", {-1, 0, 1});
+  vel_node_t *u = utility("U");
+  parents(u, {a, b, c});
+  vel_model_t *m = model(u, {}, {"(A * 2 + 1) * (B - A) + exp(C) * (A + B) - sqrt(A + 1) * C"});
+  vel_model_set_samples_per_interval(m, 33);
+  const Outcome batch = generate(u, 0);
+  const Outcome scalar = generate(u, 1);
+  EXPECT_EQ(batch.code, 0);
+  EXPECT_EQ(batch.bits, scalar.bits);
 }
 
 }  // namespace
