@@ -92,10 +92,4 @@ std::string vel_path() { return std::string(VEL_BINARY_DIR) + "/bin/vel"; }
 
 Run run_vel(const std::vector<std::string> &arguments) { return run_program(vel_path(), arguments); }
 
-Run run_vel_within(std::size_t bytes, const std::vector<std::string> &arguments) {
-  std::vector<std::string> limited{"--as=" + std::to_string(bytes), "--", vel_path()};
-  limited.insert(limited.end(), arguments.begin(), arguments.end());
-  return run_program("/usr/bin/prlimit", limited);
-}
-
 }  // namespace vel_test

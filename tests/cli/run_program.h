@@ -1,7 +1,6 @@
 // Runs the built vel program with arguments and captures what it writes.
 #pragma once
 
-#include <cstddef>
 #include <string>
 #include <vector>
 
@@ -14,8 +13,6 @@ struct Run {
 };
 
 Run run_vel(const std::vector<std::string> &arguments);
-// The same with the program's address space limited to `bytes`.
-Run run_vel_within(std::size_t bytes, const std::vector<std::string> &arguments);
 
 std::string read_file(const std::string &path);
 // A fresh directory for one test's files, removed with everything in it.
