@@ -121,6 +121,7 @@ TEST_F(BuilderTest, SizesThatOverflow) {
     ASSERT_EQ(vel_node_add_parent(wide, discrete(name.c_str(), vel_subtype_labeled, states)), 0);
   }
   EXPECT_EQ(code_of(vel_node_get_table(wide)), vel_error_too_large);
+  EXPECT_STREQ(vel_error_message(), "the table of Wide would have 4295098368 entries, more than the limit of 2^32");
   // A model over some of them: a new count of a model node must keep the size in range.
   vel_model_t *model = model_over(child, {nodes[0]});
   ASSERT_NE(model, nullptr);
