@@ -5,6 +5,7 @@
 #include <limits>
 #include <string>
 
+#include "case_file.h"
 #include "eval_test_support.h"
 
 namespace evaltest {
@@ -21,44 +22,21 @@ class ValuesTest : public ExpressionTest {
   vel_node_t *b_, *d_, *l_, *n_, *x_;
 };
 
-struct BooleanCase {
-  const char *text;
-  int expected;  // -1: failure with `code`
-  int code;
-};
-
-// B is in state 1 (true), L in state 1 ("b"), D and N have no state, X is
-// NaN; log(0) < 1 fails with 37.
-const BooleanCase kBooleanCases[] = {
-    {"B", 1, 0}, {"not(state_index(L) == 1)", 0, 0}, {"B != true", 0, 0}, {"L == \"b\"", 1, 0},
-    // Labels compare by text, never by record.
-    {"\"abc\" == \"abc\"", 1, 0}, {"\"abc\" != \"abd\"", 1, 0},
-    {"\"a\" == if(true, L, \"a\")", 0, 0},
-    // Every comparison with NaN is false except !=.
-    {"X == X", 0, 0}, {"X != X", 1, 0}, {"X < 1", 0, 0}, {"X >= 1", 0, 0}, {"1 <= 1", 1, 0},
-    // Laziness: the erroneous argument is never reached.
-    {"and(false, log(0) < 1)", 0, 0}, {"or(true, log(0) < 1)", 1, 0},
-    {"if(true, true, log(0) < 1)", 1, 0}, {"and()", 1, 0}, {"or()", 0, 0},
-    // Failures keep the inner code.
-    {"and(true, log(0) < 1)", -1, 37}, {"or(false, log(0) < 1)", -1, 37},
-    {"not(log(0) < 1)", -1, 37}, {"1 == 1 / 0", -1, 36}, {"D", -1, 38}, {"1 + 1", -1, 47},
-};
-
 TEST_F(ValuesTest, BooleanEvaluation) {
   b_->state_index = 1;
   l_->state_index = 1;
   d_->state_index = -1;
   n_->state_index = -1;
   x_->value = std::numeric_limits<double>::quiet_NaN();
-  for (const BooleanCase &c : kBooleanCases) {
-    Expr e = typed(c.text);
+  for (const auto &c : vel_test::read_cases("table_generator/data/boolean_cases.tsv")) {
+    Expr e = typed(c["text"].c_str());
     clear_error_code();
     const int result = eval_boolean_expr(e.get());
-    if (c.expected < 0) {
-      EXPECT_LT(result, 0) << c.text;
-      EXPECT_EQ(vel_error_code(), c.code) << c.text;
+    if (c.integer("expected") < 0) {
+      EXPECT_LT(result, 0) << c["text"];
+      EXPECT_EQ(vel_error_code(), c.integer("code")) << c["text"];
     } else {
-      EXPECT_EQ(result, c.expected) << c.text;
+      EXPECT_EQ(result, c.integer("expected")) << c["text"];
     }
   }
 }
