@@ -1,5 +1,8 @@
 // Rows of state probabilities: sampling of interval parents, deterministic
 // values, the explicit distributions and aggregate, with their messages.
+#include <sstream>
+
+#include "case_file.h"
 #include "generation_test_support.h"
 
 namespace {
@@ -27,53 +30,25 @@ TEST_F(ComputeDistributionTest, SamplesUnboundedAndEmptyIntervalsOnce) {
   }
 }
 
-// One row per case, each on a fresh X: labeled (with a label on two states),
-// boolean, numbered 1, 2, 4, 8 or interval [0, 1), [1, 5).
 TEST_F(ComputeDistributionTest, DeterministicValuesAndExplicitDistributions) {
-  // message: the line after "Using model ..."; row: checked on success.
-  struct RowCase { const char *expression; int subtype, code; std::vector<double> row; const char *message; };
-  const RowCase cases[] = {
-      {"\"b\"", vel_subtype_labeled, 0, {0, 1, 0, 0}, ""},
-      {"\"c\"", vel_subtype_labeled, 34, {}, "Node X does not have a (unique) state labeled `c'\n"},
-      {"\"a2\"", vel_subtype_labeled, 34, {}, "Node X does not have a (unique) state labeled `a2'\n"},
-      {"1 > 2", vel_subtype_boolean, 0, {1, 0}, ""},
-      {"4", vel_subtype_numbered, 0, {0, 0, 1, 0}, ""},
-      {"3", vel_subtype_numbered, 34, {}, "Node X does not have a state with value 3\n"},
-      {"4.5", vel_subtype_interval, 0, {0, 1}, ""},
-      {"5", vel_subtype_interval, 34, {}, "Value for node X is out of bounds: 5\n"},
-      {"Distribution(1, 3)", vel_subtype_interval, 0, {0.25, 0.75}, ""},
-      {"Distribution(0, 0, 0, 0)", vel_subtype_numbered, 37, {},
-       "At least one argument of a Distribution expression must be positive\n"},
-      {"Distribution(1, 2, 3)", vel_subtype_numbered, 34, {},
-       "The number of arguments of a Distribution expression must match the number of states\n"},
-      {"Distribution(1, -1, 2, 0)", vel_subtype_labeled, 37, {},
-       "Negative value in Distribution expression (state 1)\n"},
-      {"NoisyOR(true, 0.2, false, 0.5, true, 0.5)", vel_subtype_boolean, 0, {0.1, 0.9}, ""},
-      {"NoisyOR(false, 1.5)", vel_subtype_boolean, 37, {}, ""},
-      {"NoisyOR(true, 0.5)", vel_subtype_labeled, 34, {},
-       "A NoisyOR distribution can only be applied to boolean nodes\n"},
-      {"Uniform(7, 9)", vel_subtype_numbered, 0, {0.25, 0.25, 0.25, 0.25}, ""},
-      {"truncate(Uniform(0, 1), 3)", vel_subtype_numbered, 34, {},
-       "Truncation is not supported for the Uniform distribution\n"},
-      {"Uniform(0, 1)", vel_subtype_labeled, 34, {}, ""},
-  };
-  for (const RowCase &c : cases) {
-    SCOPED_TRACE(c.expression);
+  for (const auto &c : vel_test::read_cases("table_generator/data/distribution_rows.tsv")) {
+    SCOPED_TRACE(c["expression"]);
     vel_domain_delete(domain_);
     domain_ = vel_domain_new();
-    vel_node_t *x = c.subtype == vel_subtype_labeled ? labeled("X", {"a", "b", "a2", "a2"})
-                    : c.subtype == vel_subtype_boolean ? boolean("X")
-                    : c.subtype == vel_subtype_numbered ? numbered("X", {1, 2, 4, 8})
-                                                          : interval("X", {0, 1, 5});
-    model(x, {}, {c.expression});
+    vel_node_t *x = c["node"] == "labeled"    ? labeled("X", {"a", "b", "a2", "a2"})
+                    : c["node"] == "boolean"  ? boolean("X")
+                    : c["node"] == "numbered" ? numbered("X", {1, 2, 4, 8})
+                                              : interval("X", {0, 1, 5});
+    model(x, {}, {c["expression"].c_str()});
     use_log();
-    EXPECT_EQ(vel_node_generate_table(x), c.code);
-    EXPECT_EQ(log(), std::string("Using model for X to generate a conditional probability table\n") +
-                         c.message);
-    std::vector<double> rounded;  // entries are single-precision
-    for (double p : c.row) rounded.push_back(static_cast<float>(p));
-    if (c.code == 0) {
-      EXPECT_EQ(table(x), rounded);
+    EXPECT_EQ(vel_node_generate_table(x), c.integer("code"));
+    EXPECT_EQ(log(), "Using model for X to generate a conditional probability table\n" + c["message"] +
+                         (c["message"].empty() ? "" : "\n"));
+    if (c.integer("code") == 0) {
+      std::vector<double> row;  // entries are single-precision
+      std::istringstream entries(c["row"]);
+      for (double p; entries >> p;) row.push_back(static_cast<float>(p));
+      EXPECT_EQ(table(x), row);
     }
   }
 }
