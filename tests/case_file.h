@@ -1,7 +1,8 @@
 // Case files: test cases kept as data beside the tests that run them.
 //
-// One case a line, its fields separated by tabs; the first line names the
-// fields. Blank lines and lines starting with '#' are skipped. Within a
+// One case a line, its fields separated by tabs (or by another separator the
+// reader is given, such as the commas of the reference tables); the first
+// line names the fields. Blank lines and lines starting with '#' are skipped. Within a
 // field, \n, \t, \\ and \xNN stand for a newline, a tab, a backslash and the
 // byte NN, so that any text can be a field.
 #ifndef VEL_TESTS_CASE_FILE_H
@@ -30,6 +31,8 @@ class Case {
   }
   int integer(std::string_view name) const { return std::stoi((*this)[name]); }
   double number(std::string_view name) const { return std::stod((*this)[name]); }
+  const std::vector<std::string> &fields() const { return fields_; }
+  const std::vector<std::string> &names() const { return *names_; }
   int line() const { return line_; }  // in the case file, for messages
 
  private:
@@ -60,17 +63,17 @@ inline std::string unescaped(std::string_view text) {
   return out;
 }
 
-inline std::vector<std::string> fields_of(const std::string &line) {
+inline std::vector<std::string> fields_of(const std::string &line, char separator) {
   std::vector<std::string> fields;
   std::size_t start = 0;
-  for (std::size_t tab; (tab = line.find('\t', start)) != std::string::npos; start = tab + 1)
+  for (std::size_t tab; (tab = line.find(separator, start)) != std::string::npos; start = tab + 1)
     fields.push_back(unescaped(std::string_view(line).substr(start, tab - start)));
   fields.push_back(unescaped(std::string_view(line).substr(start)));
   return fields;
 }
 
 // The cases of tests/<path>; a line with the wrong number of fields throws.
-inline std::vector<Case> read_cases(const std::string &path) {
+inline std::vector<Case> read_cases(const std::string &path, char separator = '\t') {
   std::ifstream in(std::string(VEL_SOURCE_DIR) + "/tests/" + path);
   if (!in) throw std::runtime_error("cannot read tests/" + path);
   std::shared_ptr<const std::vector<std::string>> names;
@@ -78,7 +81,7 @@ inline std::vector<Case> read_cases(const std::string &path) {
   std::string line;
   for (int number = 1; std::getline(in, line); ++number) {
     if (line.empty() || line[0] == '#') continue;
-    std::vector<std::string> fields = fields_of(line);
+    std::vector<std::string> fields = fields_of(line, separator);
     if (!names) {
       names = std::make_shared<const std::vector<std::string>>(std::move(fields));
     } else if (fields.size() != names->size()) {

@@ -10,6 +10,7 @@
 #include <string>
 #include <vector>
 
+#include "case_file.h"
 #include "run_program.h"
 
 namespace {
@@ -18,19 +19,9 @@ using Tables = std::map<std::string, std::vector<double>>;  // node -> entries
 
 // expected.csv: file,node,entry,value with the entries of each table in order.
 std::map<std::string, Tables> read_expected() {
-  std::istringstream in(vel_test::read_file(vel_test::data_file("distributions/expected.csv")));
   std::map<std::string, Tables> expected;
-  std::string line;
-  std::getline(in, line);  // header
-  while (std::getline(in, line)) {
-    std::istringstream fields(line);
-    std::string file, node, entry, value;
-    std::getline(fields, file, ',');
-    std::getline(fields, node, ',');
-    std::getline(fields, entry, ',');
-    std::getline(fields, value);
-    expected[file][node].push_back(std::stod(value));
-  }
+  for (const auto &c : vel_test::read_cases("cli/data/distributions/expected.csv", ','))
+    expected[c["file"]][c["node"]].push_back(c.number("value"));
   return expected;
 }
 

@@ -9,12 +9,12 @@
 #include <cmath>
 #include <cstdint>
 #include <cstdio>
-#include <fstream>
 #include <limits>
 #include <sstream>
 #include <string>
 #include <vector>
 
+#include "case_file.h"
 #include "special/special.h"
 
 using namespace vel::special;
@@ -92,34 +92,18 @@ const Function functions[] = {
     {"Geometric_cdf", 4e-16, 1e-13, [](const Inputs &in) { return checked(Geometric_cdf(in[0], in[1], in[2], in[3])); }},
 };
 
-std::vector<std::string> split(const std::string &line) {
-  std::vector<std::string> fields;
-  std::stringstream stream(line);
-  for (std::string field; std::getline(stream, field, ',');) fields.push_back(field);
-  return fields;
-}
-
 // The rows whose reference lies in [1e-300, largest double] in magnitude;
-// an unreadable file or number fails the calling test.
+// an unreadable number fails the calling test.
 Table read_table(const std::string &name) {
-  std::ifstream file(std::string(VEL_SOURCE_DIR) + "/tests/special/data/" + name + ".csv");
-  EXPECT_TRUE(file.is_open()) << name;
   Table table;
-  std::string line;
-  for (int number = 1; std::getline(file, line); ++number) {
-    if (line.empty() || line[0] == '#') continue;
-    const std::vector<std::string> fields = split(line);
-    if (table.columns.empty()) {
-      table.columns.assign(fields.begin(), fields.end() - 2);
-      continue;
-    }
-    Row row{number, {}, 0.0, 0.0};
-    for (const std::string &field : fields) {
+  for (const vel_test::Case &c : vel_test::read_cases("special/data/" + name + ".csv", ',')) {
+    if (table.columns.empty()) table.columns.assign(c.names().begin(), c.names().end() - 2);
+    Row row{c.line(), {}, 0.0, 0.0};
+    for (const std::string &field : c.fields()) {
       char *end = nullptr;
       row.inputs.push_back(std::strtod(field.c_str(), &end));
-      EXPECT_TRUE(!field.empty() && *end == '\0') << name << ".csv line " << number << ": " << field;
+      EXPECT_TRUE(!field.empty() && *end == '\0') << name << ".csv line " << c.line() << ": " << field;
     }
-    EXPECT_EQ(fields.size(), table.columns.size() + 2) << name << ".csv line " << number;
     row.allowance = row.inputs.back();
     row.inputs.pop_back();
     row.value = row.inputs.back();
