@@ -1,5 +1,5 @@
-// Utility tables: sample points of interval parents, diagnostics, the
-// negative-entry rule and evaluation failures.
+// Utility tables: the negative-entry rule and evaluation failures. (Sampled
+// rows and their spread lines are in the golden records.)
 #include "generation_test_support.h"
 
 namespace {
@@ -16,26 +16,6 @@ class UtilityTableTest : public gentest::GenerationTest {
   }
   const std::string head = "Using model for U to generate a utility table\n";
 };
-
-// Midpoints of equal sub-intervals, one point for a zero-width interval; the
-// spread over sample points is reported and accepted.
-TEST_F(UtilityTableTest, AveragesOverSamplePointsAndReportsTheSpread) {
-  vel_node_t *b = interval("B", {2, 6, 6});
-  vel_node_t *u = utility_over({b}, "B", 4);
-  EXPECT_EQ(vel_node_generate_table(u), 0);
-  EXPECT_EQ(table(u), (std::vector<double>{4, 6}));
-  EXPECT_EQ(log(), head + "(0): 4 (min=2.5, max=5.5)\n");
-}
-
-TEST_F(UtilityTableTest, TwoIntervalParentsAreSampledTogether) {
-  vel_node_t *b = interval("B", {0, 1});
-  vel_node_t *c = interval("C", {0, 10});
-  vel_node_t *u = utility_over({b, c}, "B * C", 10);
-  EXPECT_EQ(vel_node_generate_table(u), 0);
-  // Mean of b * c over 10 x 10 midpoints is 0.5 * 5; extremes at the corners.
-  EXPECT_NEAR(table(u)[0], 2.5, 1e-6);
-  EXPECT_EQ(log(), head + "(0,0): 2.5 (min=0.025, max=9.025)\n");
-}
 
 // The line of a failed evaluation has no newline; earlier entries stay.
 TEST_F(UtilityTableTest, EvaluationFailureLeavesAnOpenLine) {
