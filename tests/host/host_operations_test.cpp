@@ -6,12 +6,14 @@
 #include <cmath>
 #include <cstdint>
 #include <cstdlib>
+#include <sstream>
 #include <string>
 #include <vector>
 
 #include "common/error.h"
 #include "host/host.h"
 #include "vel/vel.h"
+#include "case_file.h"
 
 namespace {
 
@@ -39,33 +41,20 @@ class HostOperationsTest : public ::testing::Test {
 };
 
 TEST_F(HostOperationsTest, StateValueVerdicts) {
-  struct Case { int subtype; std::vector<double> values; int verdict, wellformed; } cases[] = {
-      {vel_subtype_numbered, {0, 1, 2}, 0, 1},
-      {vel_subtype_numbered, {1, 3, 7}, 0, 0},
-      {vel_subtype_numbered, {1, 3, 2}, 1, 0},
-      {vel_subtype_numbered, {1, 1}, 1, 0},
-      {vel_subtype_numbered, {0, nan}, 1, 0},
-      {vel_subtype_numbered, {0, inf}, 2, 0},
-      {vel_subtype_numbered, {-ieee_inf, 0}, 2, 0},
-      {vel_subtype_numbered, {inf, 0}, 1, 0},  // decrease wins over infinity
-      {vel_subtype_interval, {0, 1, 2}, 0, 1},
-      {vel_subtype_interval, {-inf, 0, inf}, 0, 1},
-      {vel_subtype_interval, {-ieee_inf, 0, ieee_inf}, 0, 1},
-      {vel_subtype_interval, {0, 1, 1, 2}, 0, 0},  // zero-width state [1, 1)
-      {vel_subtype_interval, {0, 1, 1, 1, 2}, 1, 0},
-      {vel_subtype_interval, {0, 2, 1}, 1, 0},
-      {vel_subtype_interval, {0, nan, 2}, 1, 0},
-      {vel_subtype_interval, {-inf, -inf, 0}, 2, 0},
-      {vel_subtype_interval, {0, inf, inf}, 2, 0},
-      {vel_subtype_interval, {inf, inf}, 2, 0},
-      {vel_subtype_interval, {0, 3, 2, inf, 5}, 1, 0},  // decrease wins over infinity
-  };
-  for (const Case &c : cases) {
-    vel_node_t *node = valued(c.subtype, c.values);
-    EXPECT_EQ(_vel_node_check_status_of_state_values(node), c.verdict) << &c - cases;
-    int wellformed = c.subtype == vel_subtype_numbered ? _vel_is_wellformed_numbered_node(node)
-                                                        : _vel_is_wellformed_interval_node(node);
-    EXPECT_EQ(wellformed != 0, c.wellformed != 0) << &c - cases;
+  for (const auto &c : vel_test::read_cases("host/data/state_value_verdicts.tsv")) {
+    std::vector<double> values;
+    std::istringstream words(c["values"]);
+    for (std::string word; words >> word;) {
+      const double sign = word[0] == '-' ? -1 : 1;
+      const std::string magnitude = word.substr(sign < 0 ? 1 : 0);
+      values.push_back(magnitude == "inf" ? sign * inf : magnitude == "ieee" ? sign * ieee_inf : std::stod(word));
+    }
+    const int subtype = c["node"] == "numbered" ? vel_subtype_numbered : vel_subtype_interval;
+    vel_node_t *node = valued(subtype, values);
+    EXPECT_EQ(_vel_node_check_status_of_state_values(node), c.integer("verdict")) << c["values"];
+    const int wellformed = subtype == vel_subtype_numbered ? _vel_is_wellformed_numbered_node(node)
+                                                           : _vel_is_wellformed_interval_node(node);
+    EXPECT_EQ(wellformed != 0, c.integer("wellformed") != 0) << c["values"];
   }
   EXPECT_EQ(_vel_is_wellformed_interval_node(valued(vel_subtype_numbered, {0, 1})), 0);
 }
