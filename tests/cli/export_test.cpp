@@ -138,7 +138,7 @@ TEST(Export, ModelFilesKeepTheirGeneratedTables) {
 }
 
 // A generation failure ends the export before anything is written (the
-// transcript export.t holds the refusals).
+// transcript export holds the refusals).
 TEST(Export, NothingIsWrittenWhenGenerationFails) {
   const TempDir directory;
   const std::string out = directory.path() + "/out";

@@ -1,5 +1,5 @@
 // vel generate: tables written to files, the log views and statistics (the
-// transcript generate.t holds selection, formats and statuses).
+// transcript generate holds selection, formats and statuses).
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
@@ -28,8 +28,9 @@ TEST(Generate, CsvFilesPerTableInADirectory) {
 }
 
 // With --log FILE the log goes to the file as --log - shows it on standard
-// error (the transcript log.t holds the views), and only the failure stays
-// on standard error. An open line ends the file without a newline.
+// error, and only the failure stays on standard error; the default view is
+// the full one up to its twentieth line (the transcript log holds it). An
+// open line ends the file without a newline.
 TEST(Generate, LogFileHoldsWhatTheFullViewShows) {
   vel_test::TempDir directory;
   const std::string log = directory.path() + "/log.txt";
@@ -38,6 +39,11 @@ TEST(Generate, LogFileHoldsWhatTheFullViewShows) {
     const auto to_file = run_vel({"generate", file, "--format", "none", "--log", log});
     const auto full = run_vel({"generate", file, "--format", "none", "--log", "-"});
     const auto quiet = run_vel({"generate", file, "--format", "none", "--no-log"});
+    const auto shown = run_vel({"generate", file, "--format", "none"});
+    std::size_t cut = 0;
+    for (int line = 0; line < 20 && full.err.find('\n', cut) != std::string::npos; ++line)
+      cut = full.err.find('\n', cut) + 1;
+    EXPECT_EQ(shown.err.substr(0, cut), full.err.substr(0, cut)) << name;
     EXPECT_EQ(to_file.status, quiet.status) << name;
     EXPECT_EQ(to_file.err, quiet.err) << name;
     const std::string written = vel_test::read_file(log);

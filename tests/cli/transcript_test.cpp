@@ -1,5 +1,5 @@
 // Transcripts: runs of the vel program written down with what each answers,
-// in the files tests/cli/transcripts/*.t.
+// in the files tests/cli/transcripts/*.transcript.
 //
 //   $ ARGUMENTS   a run: arguments split at blanks; 'quoted text' is one
 //                 argument; {data} stands for the folder tests/cli/data
@@ -80,7 +80,7 @@ std::vector<std::string> transcripts() {
 class Transcript : public testing::TestWithParam<std::string> {};
 
 TEST_P(Transcript, EveryRunAnswersAsWritten) {
-  const std::string path = std::string(VEL_SOURCE_DIR) + "/tests/cli/transcripts/" + GetParam() + ".t";
+  const std::string path = std::string(VEL_SOURCE_DIR) + "/tests/cli/transcripts/" + GetParam() + ".transcript";
   const std::vector<vel_test::Expected> runs = read_transcript(path);
   ASSERT_FALSE(runs.empty()) << path;
   for (const auto &run : runs) vel_test::expect_run({}, run);
