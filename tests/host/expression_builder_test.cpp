@@ -6,23 +6,16 @@
 #include <string>
 #include <vector>
 
-#include "host/records.h"
-#include "vel/vel.h"
+#include "text_form_support.h"
 
 namespace {
 
-class ExpressionBuilderTest : public ::testing::Test {
+// The nodes of the text-form fixture: A is numbered, Level continuous.
+class ExpressionBuilderTest : public texttest::TextFormTest {
  protected:
-  void SetUp() override {
-    domain_ = vel_domain_new();
-    discrete_ = vel_domain_new_node(domain_, vel_category_chance, vel_kind_discrete,
-                                    vel_subtype_numbered, "N");
-    continuous_ = vel_domain_new_node(domain_, vel_category_chance, vel_kind_continuous,
-                                      vel_subtype_none, "Level");
-  }
   void TearDown() override {
     for (vel_expression_t *e : free_) vel_expression_delete(e);
-    vel_domain_delete(domain_);
+    TextFormTest::TearDown();
   }
   // A free-standing expression deleted at the end of the test unless owned.
   vel_expression_t *keep(vel_expression_t *e) {
@@ -31,10 +24,9 @@ class ExpressionBuilderTest : public ::testing::Test {
   }
   vel_expression_t *number() { return keep(vel_make_number(1.0)); }
   vel_expression_t *truth() { return keep(vel_make_truth(1)); }
-  vel_expression_t *ref() { return keep(vel_make_node_reference(discrete_)); }
+  vel_expression_t *ref() { return keep(vel_make_node_reference(node("A"))); }
 
-  vel_domain_t *domain_ = nullptr;
-  vel_node_t *discrete_ = nullptr, *continuous_ = nullptr;
+  vel_node_t *node(const char *name) { return vel_domain_get_node_by_name(domain_, name); }
   std::vector<vel_expression_t *> free_;
 };
 
@@ -45,7 +37,7 @@ TEST_F(ExpressionBuilderTest, LeavesAndTypes) {
   EXPECT_STREQ(l->label, "sunny") << "the label is copied";
   EXPECT_EQ(keep(vel_make_truth(7))->truth, 1);
   EXPECT_EQ(ref()->type, static_cast<uint32_t>(vel_type_any));
-  EXPECT_EQ(keep(vel_make_node_reference(continuous_))->type,
+  EXPECT_EQ(keep(vel_make_node_reference(node("Level")))->type,
             static_cast<uint32_t>(vel_type_number));
   for (double bad : {NAN, INFINITY, -INFINITY}) {
     EXPECT_EQ(vel_make_number(bad), nullptr);

@@ -9,17 +9,7 @@
 
 namespace {
 
-class ParserTest : public texttest::TextFormTest {
- protected:
-  // Parses `text` for Child and describes the tree, or "" on failure.
-  std::string shape(const std::string &text) {
-    vel_expression_t *expression = vel_parse_expression(text.c_str(), child_);
-    if (!expression) return "";
-    std::string result = describe(expression);
-    vel_expression_delete(expression);
-    return result;
-  }
-};
+using ParserTest = texttest::TextFormTest;
 
 TEST_F(ParserTest, TreeShapes) {
   for (const auto &c : vel_test::read_cases("host/data/expression_shapes.tsv"))

@@ -58,6 +58,15 @@ class TextFormTest : public ::testing::Test {
     return result + ")";
   }
 
+  // `text` parsed for Child and described, or "" on failure.
+  std::string shape(const std::string &text) {
+    vel_expression_t *expression = vel_parse_expression(text.c_str(), child_);
+    if (!expression) return "";
+    std::string result = describe(expression);
+    vel_expression_delete(expression);
+    return result;
+  }
+
   vel_domain_t *domain_ = nullptr;
   vel_node_t *child_ = nullptr;
 };
