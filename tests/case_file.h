@@ -72,10 +72,18 @@ inline std::vector<std::string> fields_of(const std::string &line, char separato
   return fields;
 }
 
+// The text of tests/<path>: a case file, or a model or network the tests load.
+inline std::string test_file_text(const std::string &path) {
+  std::ifstream in(std::string(VEL_SOURCE_DIR) + "/tests/" + path, std::ios::binary);
+  if (!in) throw std::runtime_error("cannot read tests/" + path);
+  std::ostringstream text;
+  text << in.rdbuf();
+  return text.str();
+}
+
 // The cases of tests/<path>; a line with the wrong number of fields throws.
 inline std::vector<Case> read_cases(const std::string &path, char separator = '\t') {
-  std::ifstream in(std::string(VEL_SOURCE_DIR) + "/tests/" + path);
-  if (!in) throw std::runtime_error("cannot read tests/" + path);
+  std::istringstream in(test_file_text(path));
   std::shared_ptr<const std::vector<std::string>> names;
   std::vector<Case> cases;
   std::string line;

@@ -5,6 +5,7 @@
 #include <string>
 #include <vector>
 
+#include "case_file.h"
 #include "io/model_file.h"
 
 namespace {
@@ -18,18 +19,7 @@ vel_node_t *node(const vel::io::LoadedModel &model, const char *name) {
 }
 
 TEST(Loader, NodesModelsAndStatesAsWritten) {
-  const auto model = load_model_text(R"yaml(
-domain: weather
-samples_per_interval: 7
-nodes:
-  - {name: Frost, type: boolean, parents: [Temp], model: {nodes: [], samples_per_interval: 3}}
-  - {name: Temp, type: interval, states: [-inf, 0, .inf], parents: [Season],
-     model: {nodes: [Season], expressions: ["Normal(0, 25)", null]}}
-  - {name: Season, type: labeled, states: [winter, summer]}
-  - {name: Level, type: numbered, states: [1, -.inf, 1e400]}
-  - {name: Cost, category: utility, expected_utility: -12.5, variance: 4}
-)yaml",
-                                     "weather.yaml");
+  const auto model = load_model_text(vel_test::test_file_text("io/data/weather.yaml"), "weather.yaml");
   EXPECT_EQ(model.name, "weather");
   // Infinities where the generator refuses them are loaded as written.
   EXPECT_EQ(vel_node_get_state_value(node(model, "Level"), 1), -1.7976931348623157e+308);
@@ -84,19 +74,7 @@ TEST(Loader, JsonDocumentAndDomainNameFromTheFile) {
 // its evidence (normal mode) or its beliefs (fast mode), and Total aggregates
 // Item over Count's beliefs: no item half the time, so [0;1) gets
 // 0.5 + 0.5 * 0.25.
-const char *const inference_nodes = R"yaml(
-nodes:
-  - {name: S, type: labeled, states: [a, b], beliefs: [0.75, 0.25]}
-  - {name: E, type: labeled, states: [a, b], beliefs: [1, 0], evidence: b}
-  - {name: Count, type: numbered, states: [0, 1], beliefs: [0.5, 0.5]}
-  - {name: Item, type: interval, states: [0, 1, 2], beliefs: [0.25, 0.75]}
-  - {name: Total, category: function, type: interval, states: [0, 1, 2], parents: [Count, Item],
-     model: {nodes: [], expressions: ["aggregate(Count, Item)"]}}
-  - {name: Chance, category: function, type: real, parents: [S],
-     model: {nodes: [], expressions: ['probability(S == "b")']}}
-  - {name: Observed, category: function, type: real, parents: [E],
-     model: {nodes: [], expressions: ['if(E == "b", 1, 2)']}}
-)yaml";
+const std::string inference_nodes = vel_test::test_file_text("io/data/inference_readers.yaml");
 
 TEST(Loader, InferenceBlockDecidesWhichResultsCanBeRead) {
   const struct {

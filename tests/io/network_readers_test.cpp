@@ -4,6 +4,7 @@
 #include <string>
 #include <vector>
 
+#include "case_file.h"
 #include "io/network_file.h"
 
 namespace {
@@ -36,25 +37,8 @@ std::vector<float> table(vel_node_t *node) {
 }
 
 TEST(BifReader, BlocksInAnyOrderRowsDefaultsAndTables) {
-  const LoadedModel model = vel::io::load_bif_text(R"(// a comment
-/* a block
-   comment */ network "test net" { property version 1; }
-probability ( C A B ) {
-  table 0.1 0.2 0.3 0.4 0.9 0.8 0.7 0.6;
-}
-variable A { type discrete [ 2 ] { a0, a1 }; property position = (1, 2); }
-variable B { type discrete[2]{"b 0" b1}; }
-variable C {
-  type discrete [ 2 ] { <5, >=7.5 };
-}
-variable D { type discrete [ 3 ] { 12+, Asy/Patch, x }; }
-probability ( D | C ) {
-  (>=7.5) 0.2 0.3 0.5;
-  default 1, 0, 0;
-}
-probability ( A ) { table 0.25, 0.75; }
-)",
-                                                   "net.bif");
+  const LoadedModel model =
+      vel::io::load_bif_text(vel_test::test_file_text("io/data/rows_defaults_tables.bif"), "net.bif");
   EXPECT_EQ(model.name, "test net");
   std::vector<std::string> order;
   for (vel_node_t *n = vel_domain_get_first_node(model.domain.get()); n; n = vel_node_get_next(n))
@@ -78,31 +62,8 @@ probability ( A ) { table 0.25, 0.75; }
 }
 
 TEST(XmlbifReader, CategoriesEscapesAndTablesInStorageOrder) {
-  const LoadedModel model = vel::io::load_xmlbif_text(R"(<?xml version="1.0"?>
-<!-- the DTD of the format, as files carry it -->
-<!DOCTYPE BIF [
-  <!ELEMENT BIF ( NETWORK )*>
-  <!ATTLIST VARIABLE TYPE (nature|decision|utility) "nature">
-]>
-<BIF VERSION="0.3">
-<NETWORK>
-<NAME>d&amp;c</NAME>
-<PROPERTY>note</PROPERTY>
-<VARIABLE>
-  <NAME> Weather </NAME>
-  <OUTCOME>&lt;5</OUTCOME>
-  <OUTCOME><![CDATA[5-12]]></OUTCOME>
-</VARIABLE>
-<VARIABLE TYPE="decision"><NAME>Umbrella</NAME><OUTCOME>take</OUTCOME><OUTCOME>leave</OUTCOME></VARIABLE>
-<VARIABLE TYPE="utility"><NAME>Comfort</NAME></VARIABLE>
-<DEFINITION><FOR>Comfort</FOR><GIVEN>Weather</GIVEN><GIVEN>Umbrella</GIVEN><TABLE>1 -2
-  3.5 4e1</TABLE></DEFINITION>
-<PROBABILITY><FOR>Weather</FOR><TABLE>0.3 0.7</TABLE></PROBABILITY>
-<DEFINITION><FOR>Umbrella</FOR><GIVEN>Weather</GIVEN></DEFINITION>
-</NETWORK>
-</BIF>
-)",
-                                                      "id.xml");
+  const LoadedModel model =
+      vel::io::load_xmlbif_text(vel_test::test_file_text("io/data/categories_escapes.xml"), "id.xml");
   EXPECT_EQ(model.name, "d&c");
   EXPECT_EQ(labels(node(model, "Weather")), (std::vector<std::string>{"<5", "5-12"}));
   EXPECT_EQ(vel_node_get_category(node(model, "Weather")), vel_category_chance);

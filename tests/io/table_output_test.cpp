@@ -6,32 +6,19 @@
 #include <limits>
 #include <sstream>
 
+#include "case_file.h"
 #include "io/json_text.h"
 #include "io/model_file.h"
 #include "io/table_output.h"
 
 namespace {
 
-const char *const plant = R"(
-domain: plant
-nodes:
-  - {name: Season, type: labeled, states: ["winter, dry", "wet, \"cold\""], table: [0.1, 0.9]}
-  - name: Temp
-    type: interval
-    states: [-inf, 0, 10.5]
-    parents: [Season]
-    table: [0.5, 0.5, 0.33333334, -0]
-  - {name: Frost, type: boolean, table: [1, 0]}
-  - name: Cost
-    category: utility
-    parents: [Season, Frost]
-    table: [-40, 1e-05, 2.5, 100000000]
-)";
+
 
 class TableOutput : public testing::Test {
  protected:
   vel_node_t *node(const char *name) { return vel_domain_get_node_by_name(model_.domain.get(), name); }
-  vel::io::LoadedModel model_ = vel::io::load_model_text(plant, "plant.yaml");
+  vel::io::LoadedModel model_ = vel::io::load_model_text(vel_test::test_file_text("io/data/plant.yaml"), "plant.yaml");
   std::ostringstream out_;
 };
 
