@@ -13,6 +13,7 @@
 #include <nlohmann/json.hpp>
 
 #include "io/network_file.h"
+#include "loaded_model_access.h"
 #include "run_program.h"
 
 namespace {
@@ -20,39 +21,15 @@ namespace {
 using vel::io::LoadedModel;
 using vel_test::run_vel;
 using vel_test::TempDir;
+using vel_test::entries_of;
+using vel_test::labels_of;
+using vel_test::names_of;
+using vel_test::nodes_of;
 
 const char *const networks[] = {"asia", "cancer", "child", "earthquake", "sachs"};
 
 std::string network_path(const std::string &name) {
   return std::string(VEL_SOURCE_DIR) + "/tests/data/networks/" + name + ".bif";
-}
-
-std::vector<vel_node_t *> nodes_of(const LoadedModel &model) {
-  std::vector<vel_node_t *> nodes;
-  for (vel_node_t *node = vel_domain_get_first_node(model.domain.get()); node; node = vel_node_get_next(node))
-    nodes.push_back(node);
-  return nodes;
-}
-
-std::vector<std::string> names_of(const std::vector<vel_node_t *> &nodes) {
-  std::vector<std::string> names;
-  for (vel_node_t *node : nodes) names.push_back(vel_node_get_name(node));
-  return names;
-}
-
-std::vector<std::string> labels_of(vel_node_t *node) {
-  std::vector<std::string> labels;
-  for (std::size_t s = 0; s < vel_node_get_number_of_states(node); ++s) {
-    const char *label = vel_node_get_state_label(node, s);
-    labels.push_back(label ? label : "?");
-  }
-  return labels;
-}
-
-std::vector<float> entries_of(vel_node_t *node) {
-  vel_table_t *table = vel_node_get_table(node);
-  const float *data = vel_table_get_data(table);
-  return {data, data + vel_table_get_size(table)};
 }
 
 // Every node read back has the table nodes and the very entries of the
@@ -62,9 +39,8 @@ void expect_tables_of(const LoadedModel &original, const LoadedModel &back, cons
     vel_node_t *source = vel_domain_get_node_by_name(original.domain.get(), vel_node_get_name(node));
     ASSERT_NE(source, nullptr) << context << ": " << vel_node_get_name(node);
     vel_table_t *table = vel_node_get_table(node), *source_table = vel_node_get_table(source);
-    EXPECT_EQ(names_of({vel_table_get_nodes(table), vel_table_get_nodes(table) + vel_table_get_node_count(table)}),
-              names_of({vel_table_get_nodes(source_table),
-                        vel_table_get_nodes(source_table) + vel_table_get_node_count(source_table)}))
+    EXPECT_EQ(names_of(vel_table_get_nodes(table), vel_table_get_node_count(table)),
+              names_of(vel_table_get_nodes(source_table), vel_table_get_node_count(source_table)))
         << context << ": " << vel_node_get_name(node);
     EXPECT_EQ(entries_of(node), entries_of(source)) << context << ": " << vel_node_get_name(node);
   }

@@ -7,16 +7,13 @@
 
 #include "case_file.h"
 #include "io/model_file.h"
+#include "loaded_model_access.h"
 
 namespace {
 
 using vel::io::load_model_text;
 
-vel_node_t *node(const vel::io::LoadedModel &model, const char *name) {
-  vel_node_t *found = vel_domain_get_node_by_name(model.domain.get(), name);
-  EXPECT_NE(found, nullptr) << name;
-  return found;
-}
+using vel_test::node;
 
 TEST(Loader, NodesModelsAndStatesAsWritten) {
   const auto model = load_model_text(vel_test::test_file_text("io/data/weather.yaml"), "weather.yaml");
