@@ -3,6 +3,7 @@
 
 #include <string>
 
+#include "case_file.h"
 #include "eval_test_support.h"
 
 namespace evaltest {
@@ -79,25 +80,8 @@ TEST_F(TypingTest, NodeReferenceTypeBySubtypeAndMode) {
 }
 
 TEST_F(TypingTest, OperatorArgumentRules) {
-  struct Case {
-    const char *text;
-    uint32_t mode;
-    bool ok;
-  };
-  const Case cases[] = {
-      {"truncate(1, Normal(0, 1), 2)", 1, true}, {"truncate(N, Normal(0, 1))", 0, true},
-      {"truncate(Normal(0, 1), 1, 2)", 1, false}, {"truncate(1, 2)", 1, false},
-      {"NoisyOR(true, 0.5, B, 0.25)", 1, true}, {"NoisyOR(true, 0.5, true, \"a\")", 1, false},
-      {"aggregate(N, I)", 1, true}, {"aggregate(C, I)", 1, false},
-      {"variance(U)", 1, true}, {"variance(F)", 1, false},
-      {"quantile(L, 0.5)", 1, true}, {"quantile(C, 0.5)", 1, false},
-      {"state_index(C)", 1, false}, {"\"a\" != N", 0, true},
-      {"N == \"a\"", 1, false}, {"Normal(0, 1) == Normal(0, 1)", 1, false},
-      {"and(true, 1)", 1, false}, {"not(N)", 1, false}, {"not(N)", 0, true},
-      {"if(L, 2, 3)", 0, true}, {"if(L, 2, 3)", 1, false},
-      {"L + 1", 1, false}, {"L + 1", 0, true}, {"min(I, C, 2)", 1, true},
-  };
-  for (const Case &c : cases) EXPECT_EQ(types(c.text, c.mode), c.ok) << c.text << " " << c.mode;
+  for (const auto &c : vel_test::read_cases("table_generator/data/argument_rules.tsv"))
+    EXPECT_EQ(types(c["text"].c_str(), c.integer("mode")), c["accepted"] == "1") << c["text"] << " " << c["mode"];
 }
 
 // The check types references in mode 1 itself, the same way every time.
