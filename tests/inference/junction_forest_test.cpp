@@ -4,11 +4,11 @@
 
 #include "common/error.h"
 #include "inference/junction_forest.h"
-#include "network_support.h"
+#include "table_generator/generation_test_support.h"
 
 namespace {
 
-using inftest::Network;
+using Network = gentest::DomainBuilder;
 using vel::inference::forest_of;
 using vel::inference::JunctionForest;
 
@@ -29,13 +29,14 @@ TEST(JunctionForest, MinFillTiesGoToTheSmallerClique) {
   vel_node_t *d = n.add("D", 3, {}, {0.2, 0.3, 0.5});
   const std::vector<std::vector<vel_node_t *>> edges = {{a, b}, {b, c}, {c, d}, {d, a}};
   for (std::size_t i = 0; i < edges.size(); ++i)
-    n.stateless(("U" + std::to_string(i)).c_str(), edges[i], std::vector<double>(6, 1.0));
-  ASSERT_EQ(vel_domain_compile(n.domain), 0) << vel_error_message();
-  const JunctionForest &forest = *forest_of(n.domain);
+    n.add(("U" + std::to_string(i)).c_str(), 0, edges[i], std::vector<double>(6, 1.0), vel_category_utility,
+          vel_subtype_none);
+  ASSERT_EQ(vel_domain_compile(n.domain_), 0) << vel_error_message();
+  const JunctionForest &forest = *forest_of(n.domain_);
   ASSERT_EQ(forest.cliques.size(), 2u);
   EXPECT_EQ(clique_names(forest, 0), (std::vector<std::string>{"A", "B", "C"}));
   EXPECT_EQ(clique_names(forest, 1), (std::vector<std::string>{"A", "C", "D"}));
-  EXPECT_EQ(vel_domain_get_clique_table_size(n.domain), 24u);
+  EXPECT_EQ(vel_domain_get_clique_table_size(n.domain_), 24u);
   EXPECT_EQ(forest.tree_count, 1);
 }
 
@@ -58,12 +59,13 @@ TEST(JunctionForest, TablesBeyondTheLimitAreRefused) {
         group.push_back(n.add(name.c_str(), c.states, {}, std::vector<double>(c.states, 1.0 / c.states),
                               vel_category_chance, vel_subtype_numbered));
       }
-      Network::model(n.stateless(("U" + std::to_string(g)).c_str(), group), {}, {"0"});
+      vel_node_t *u = n.add(("U" + std::to_string(g)).c_str(), 0, group, {}, vel_category_utility, vel_subtype_none);
+      Network::model(u, {}, {"0"});
     }
-    EXPECT_EQ(vel_domain_compile(n.domain), vel_error_too_large);
+    EXPECT_EQ(vel_domain_compile(n.domain_), vel_error_too_large);
     EXPECT_STREQ(vel_error_message(), c.message);
-    EXPECT_FALSE(vel_domain_is_compiled(n.domain));
-    EXPECT_EQ(forest_of(n.domain), nullptr);
+    EXPECT_FALSE(vel_domain_is_compiled(n.domain_));
+    EXPECT_EQ(forest_of(n.domain_), nullptr);
   }
 }
 

@@ -4,10 +4,13 @@
 
 namespace gentest {
 
-GenerationTest::GenerationTest() : domain_(vel_domain_new()) {}
+DomainBuilder::DomainBuilder() : domain_(vel_domain_new()) {}
+
+DomainBuilder::~DomainBuilder() { vel_domain_delete(domain_); }
 
 GenerationTest::~GenerationTest() {
-  vel_domain_delete(domain_);
+  // The domain, deleted after this, must not write to a closed log.
+  vel_domain_set_log_file(domain_, nullptr);
   close_log();
 }
 
@@ -55,46 +58,46 @@ vel_node_t *discrete(vel_domain_t *domain, int category, int subtype, const char
 
 }  // namespace
 
-vel_node_t *GenerationTest::labeled(const char *name, const std::vector<const char *> &labels,
+vel_node_t *DomainBuilder::labeled(const char *name, const std::vector<const char *> &labels,
                                     int category) {
   vel_node_t *node = discrete(domain_, category, vel_subtype_labeled, name, labels.size());
   for (size_t i = 0; i < labels.size(); ++i) EXPECT_EQ(vel_node_set_state_label(node, i, labels[i]), 0);
   return node;
 }
 
-vel_node_t *GenerationTest::boolean(const char *name, int category) {
+vel_node_t *DomainBuilder::boolean(const char *name, int category) {
   return discrete(domain_, category, vel_subtype_boolean, name, 2);
 }
 
-vel_node_t *GenerationTest::numbered(const char *name, const std::vector<double> &values,
+vel_node_t *DomainBuilder::numbered(const char *name, const std::vector<double> &values,
                                      int category) {
   vel_node_t *node = discrete(domain_, category, vel_subtype_numbered, name, values.size());
   for (size_t i = 0; i < values.size(); ++i) EXPECT_EQ(vel_node_set_state_value(node, i, values[i]), 0);
   return node;
 }
 
-vel_node_t *GenerationTest::interval(const char *name, const std::vector<double> &bounds,
+vel_node_t *DomainBuilder::interval(const char *name, const std::vector<double> &bounds,
                                      int category) {
   vel_node_t *node = discrete(domain_, category, vel_subtype_interval, name, bounds.size() - 1);
   for (size_t i = 0; i < bounds.size(); ++i) EXPECT_EQ(vel_node_set_state_value(node, i, bounds[i]), 0);
   return node;
 }
 
-vel_node_t *GenerationTest::utility(const char *name) {
+vel_node_t *DomainBuilder::utility(const char *name) {
   return vel_domain_new_node(domain_, vel_category_utility, vel_kind_stateless, vel_subtype_none,
                              name);
 }
 
-vel_node_t *GenerationTest::real_function(const char *name) {
+vel_node_t *DomainBuilder::real_function(const char *name) {
   return vel_domain_new_node(domain_, vel_category_function, vel_kind_stateless,
                              vel_subtype_none, name);
 }
 
-void GenerationTest::parents(vel_node_t *node, const std::vector<vel_node_t *> &parents) {
+void DomainBuilder::parents(vel_node_t *node, const std::vector<vel_node_t *> &parents) {
   for (vel_node_t *p : parents) EXPECT_EQ(vel_node_add_parent(node, p), 0);
 }
 
-vel_model_t *GenerationTest::model(vel_node_t *node, std::vector<vel_node_t *> model_nodes,
+vel_model_t *DomainBuilder::model(vel_node_t *node, std::vector<vel_node_t *> model_nodes,
                                    const std::vector<const char *> &texts) {
   model_nodes.push_back(nullptr);
   vel_model_t *model = vel_node_new_model(node, model_nodes.data());
@@ -109,10 +112,30 @@ vel_model_t *GenerationTest::model(vel_node_t *node, std::vector<vel_node_t *> m
   return model;
 }
 
-std::vector<double> GenerationTest::table(vel_node_t *node) {
+std::vector<double> DomainBuilder::table(vel_node_t *node) {
   vel_table_t *table = vel_node_get_table(node);
   const float *data = vel_table_get_data(table);
   return std::vector<double>(data, data + vel_table_get_size(table));
+}
+
+vel_node_t *DomainBuilder::add(const char *name, size_t states, const std::vector<vel_node_t *> &parents,
+                               const std::vector<double> &table, int category, int subtype) {
+  vel_node_t *node = subtype == vel_subtype_none
+                         ? vel_domain_new_node(domain_, category, vel_kind_stateless, vel_subtype_none, name)
+                         : discrete(domain_, category, subtype, name, states);
+  for (size_t i = 0; subtype == vel_subtype_labeled && i < states; ++i)
+    vel_node_set_state_label(node, i, ("s" + std::to_string(i)).c_str());
+  this->parents(node, parents);
+  if (!table.empty()) {
+    EXPECT_EQ(vel_node_set_table_data(node, table.data(), table.size()), 0) << vel_error_message();
+  }
+  return node;
+}
+
+std::vector<double> DomainBuilder::beliefs(const vel_node_t *node) {
+  std::vector<double> result;
+  for (size_t i = 0; i < vel_node_get_number_of_states(node); ++i) result.push_back(vel_node_get_belief(node, i));
+  return result;
 }
 
 void GenerationTest::propagate(vel_node_t *node, const std::vector<double> &beliefs) {

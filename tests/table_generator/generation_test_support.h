@@ -1,5 +1,5 @@
-// A domain built through the public builder, with its log in memory, for the
-// table generation tests.
+// A domain built through the public builder, for the table generation and
+// inference tests; the generation fixture adds a log in memory.
 #pragma once
 
 #include <gtest/gtest.h>
@@ -17,16 +17,15 @@ namespace gentest {
 
 const double kInf = vel_infinity;
 
-class GenerationTest : public ::testing::Test {
- protected:
-  GenerationTest();
-  ~GenerationTest() override;
-
-  // The domain's log goes to memory; log() reads everything written so far.
-  void use_log();
-  // Every write to the log fails.
-  void use_failing_log();
-  std::string log();
+// A domain built through the public builder: discrete nodes of each subtype,
+// stateless nodes, parents, models of parsed expressions, and the tables and
+// beliefs read back.
+class DomainBuilder {
+ public:
+  DomainBuilder();
+  ~DomainBuilder();
+  DomainBuilder(const DomainBuilder &) = delete;
+  DomainBuilder &operator=(const DomainBuilder &) = delete;
 
   vel_node_t *labeled(const char *name, const std::vector<const char *> &labels,
                       int category = vel_category_chance);
@@ -37,18 +36,37 @@ class GenerationTest : public ::testing::Test {
                        int category = vel_category_chance);
   vel_node_t *utility(const char *name);
   vel_node_t *real_function(const char *name);
+  // A discrete node of `states` states (labeled s0, s1, ... unless `subtype`
+  // says otherwise) or, with vel_subtype_none, a stateless one; with these
+  // parents and, when `table` is not empty, this table.
+  vel_node_t *add(const char *name, size_t states, const std::vector<vel_node_t *> &parents = {},
+                  const std::vector<double> &table = {}, int category = vel_category_chance,
+                  int subtype = vel_subtype_labeled);
   void parents(vel_node_t *node, const std::vector<vel_node_t *> &parents);
 
   // A model over `model_nodes` whose expressions are parsed from `texts`
   // (nullptr: missing).
-  vel_model_t *model(vel_node_t *node, std::vector<vel_node_t *> model_nodes,
-                     const std::vector<const char *> &texts);
+  static vel_model_t *model(vel_node_t *node, std::vector<vel_node_t *> model_nodes,
+                            const std::vector<const char *> &texts);
   // The node's table entries, widened.
-  std::vector<double> table(vel_node_t *node);
-  // Compiled, sum equilibrium, normal evidence mode; beliefs on `node`.
-  void propagate(vel_node_t *node, const std::vector<double> &beliefs);
+  static std::vector<double> table(vel_node_t *node);
+  static std::vector<double> beliefs(const vel_node_t *node);
 
   vel_domain_t *domain_;
+};
+
+class GenerationTest : public ::testing::Test, public DomainBuilder {
+ protected:
+  ~GenerationTest() override;
+
+  // The domain's log goes to memory; log() reads everything written so far.
+  void use_log();
+  // Every write to the log fails.
+  void use_failing_log();
+  std::string log();
+
+  // Compiled, sum equilibrium, normal evidence mode; beliefs on `node`.
+  void propagate(vel_node_t *node, const std::vector<double> &beliefs);
 
  private:
   void close_log();
