@@ -2,9 +2,9 @@
 //
 // One case a line, its fields separated by tabs (or by another separator the
 // reader is given, such as the commas of the reference tables); the first
-// line names the fields. Blank lines and lines starting with '#' are skipped. Within a
-// field, \n, \t, \\ and \xNN stand for a newline, a tab, a backslash and the
-// byte NN, so that any text can be a field.
+// line names the fields. Blank lines and lines starting with '#' are skipped.
+// Within a field, \n, \t, \\ and \xNN stand for a newline, a tab, a
+// backslash and the byte NN, so that any text can be a field.
 #ifndef VEL_TESTS_CASE_FILE_H
 #define VEL_TESTS_CASE_FILE_H
 
