@@ -67,21 +67,21 @@ class EndToEnd : public ::testing::Test {
 };
 
 TEST_F(EndToEnd, TablesAndFunctionValuesFromPropagatedResults) {
-  ASSERT_EQ(vel_domain_compile(n.domain_), 0) << vel_error_message();
+  ASSERT_EQ(vel_domain_compile(n.domain()), 0) << vel_error_message();
   // Compilation generated C from the first propagation and propagated again
   // with it: C's beliefs are its table's row.
   EXPECT_NEAR(vel_node_get_belief(c, 1), 0.8, 1e-7);
   EXPECT_NEAR(vel_node_get_expected_utility(u, 0), 4.9, 1e-5);
   EXPECT_EQ(vel_model_get_tables_outdated(vel_node_get_model(c)), 1) << "propagation outdates what read results";
-  ASSERT_EQ(vel_domain_generate_tables(n.domain_), 0);
+  ASSERT_EQ(vel_domain_generate_tables(n.domain()), 0);
   expect_results({0.2, 0.5, 0.3}, "no evidence");
 
   ASSERT_EQ(vel_node_enter_evidence(b, 1), 0);
-  ASSERT_EQ(vel_domain_propagate(n.domain_, vel_equilibrium_sum), 0);
+  ASSERT_EQ(vel_domain_propagate(n.domain(), vel_equilibrium_sum), 0);
   EXPECT_EQ(vel_model_get_tables_outdated(vel_node_get_model(u)), 1);
-  EXPECT_NEAR(vel_domain_get_probability_of_evidence(n.domain_), 0.54, 1e-7);
+  EXPECT_NEAR(vel_domain_get_probability_of_evidence(n.domain()), 0.54, 1e-7);
   EXPECT_NEAR(vel_node_get_mean(a), (0.02 + 0.5 + 0.81) / 0.54, 1e-6);
-  ASSERT_EQ(vel_domain_generate_tables(n.domain_), 0);
+  ASSERT_EQ(vel_domain_generate_tables(n.domain()), 0);
   expect_results({0.02 / 0.54, 0.25 / 0.54, 0.27 / 0.54}, "B = true");
 }
 

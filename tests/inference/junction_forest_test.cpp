@@ -31,12 +31,12 @@ TEST(JunctionForest, MinFillTiesGoToTheSmallerClique) {
   for (std::size_t i = 0; i < edges.size(); ++i)
     n.add(("U" + std::to_string(i)).c_str(), 0, edges[i], std::vector<double>(6, 1.0), vel_category_utility,
           vel_subtype_none);
-  ASSERT_EQ(vel_domain_compile(n.domain_), 0) << vel_error_message();
-  const JunctionForest &forest = *forest_of(n.domain_);
+  ASSERT_EQ(vel_domain_compile(n.domain()), 0) << vel_error_message();
+  const JunctionForest &forest = *forest_of(n.domain());
   ASSERT_EQ(forest.cliques.size(), 2u);
   EXPECT_EQ(clique_names(forest, 0), (std::vector<std::string>{"A", "B", "C"}));
   EXPECT_EQ(clique_names(forest, 1), (std::vector<std::string>{"A", "C", "D"}));
-  EXPECT_EQ(vel_domain_get_clique_table_size(n.domain_), 24u);
+  EXPECT_EQ(vel_domain_get_clique_table_size(n.domain()), 24u);
   EXPECT_EQ(forest.tree_count, 1);
 }
 
@@ -62,10 +62,10 @@ TEST(JunctionForest, TablesBeyondTheLimitAreRefused) {
       vel_node_t *u = n.add(("U" + std::to_string(g)).c_str(), 0, group, {}, vel_category_utility, vel_subtype_none);
       Network::model(u, {}, {"0"});
     }
-    EXPECT_EQ(vel_domain_compile(n.domain_), vel_error_too_large);
+    EXPECT_EQ(vel_domain_compile(n.domain()), vel_error_too_large);
     EXPECT_STREQ(vel_error_message(), c.message);
-    EXPECT_FALSE(vel_domain_is_compiled(n.domain_));
-    EXPECT_EQ(forest_of(n.domain_), nullptr);
+    EXPECT_FALSE(vel_domain_is_compiled(n.domain()));
+    EXPECT_EQ(forest_of(n.domain()), nullptr);
   }
 }
 

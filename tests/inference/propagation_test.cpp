@@ -28,10 +28,10 @@ TEST(Compilation, RefusesNodesItCannotUseAndGivesDecisionsUniformPolicies) {
     Network n;
     vel_node_t *a = n.add("A", 2, {}, {0.5, 0.5});
     vel_node_t *x = n.add("X", c.states, {a}, {}, c.category, c.subtype);
-    EXPECT_EQ(vel_domain_compile(n.domain_), c.code) << c.message;
+    EXPECT_EQ(vel_domain_compile(n.domain()), c.code) << c.message;
     EXPECT_STREQ(vel_error_message(), c.message);
-    EXPECT_EQ(vel_domain_get_failed_node(n.domain_), c.code ? x : nullptr);
-    EXPECT_EQ(vel_domain_is_compiled(n.domain_), c.code == 0);
+    EXPECT_EQ(vel_domain_get_failed_node(n.domain()), c.code ? x : nullptr);
+    EXPECT_EQ(vel_domain_is_compiled(n.domain()), c.code == 0);
     if (c.code == 0) {
       EXPECT_EQ(Network::table(x), std::vector<double>(6, double{1.0f / 3}));
     }
@@ -44,31 +44,31 @@ TEST(Propagation, CodesEvidenceAndRetraction) {
   Network n;
   vel_node_t *a = n.add("A", 2, {}, {0.2, 0.8});
   vel_node_t *b = n.add("B", 2, {a}, {0.9, 0.1, 0.3, 0.7});
-  vel_junction_tree_t *jt = vel_domain_get_junction_tree(n.domain_);
-  auto codes = [&] { return std::vector<int>{vel_domain_is_compiled(n.domain_), jt->equilibrium, jt->evidence_pending}; };
-  ASSERT_EQ(vel_domain_compile(n.domain_), 0);
+  vel_junction_tree_t *jt = vel_domain_get_junction_tree(n.domain());
+  auto codes = [&] { return std::vector<int>{vel_domain_is_compiled(n.domain()), jt->equilibrium, jt->evidence_pending}; };
+  ASSERT_EQ(vel_domain_compile(n.domain()), 0);
   EXPECT_EQ(codes(), (std::vector<int>{1, vel_equilibrium_sum, 0}));
   const std::vector<double> prior = Network::beliefs(a);
 
   ASSERT_EQ(vel_node_enter_evidence(b, 1), 0);
   EXPECT_EQ(codes(), (std::vector<int>{1, vel_equilibrium_sum, 1}));
   EXPECT_EQ(Network::beliefs(a), prior) << "results change only by propagation";
-  ASSERT_EQ(vel_domain_propagate(n.domain_, vel_equilibrium_sum), 0);
+  ASSERT_EQ(vel_domain_propagate(n.domain(), vel_equilibrium_sum), 0);
   EXPECT_EQ(codes(), (std::vector<int>{1, vel_equilibrium_sum, 0}));
   EXPECT_EQ(b->evidence.state, 1);
-  EXPECT_DOUBLE_EQ(vel_domain_get_probability_of_evidence(n.domain_), double{0.2f} * double{0.1f} + double{0.8f} * double{0.7f});
+  EXPECT_DOUBLE_EQ(vel_domain_get_probability_of_evidence(n.domain()), double{0.2f} * double{0.1f} + double{0.8f} * double{0.7f});
 
   ASSERT_EQ(vel_node_retract_evidence(b), 0);
   EXPECT_EQ(jt->evidence_pending, 1);
-  ASSERT_EQ(vel_domain_propagate(n.domain_, vel_equilibrium_max), 0);
+  ASSERT_EQ(vel_domain_propagate(n.domain(), vel_equilibrium_max), 0);
   EXPECT_EQ(codes(), (std::vector<int>{1, vel_equilibrium_max, 0}));
   EXPECT_EQ(b->evidence.state, -1);
-  ASSERT_EQ(vel_domain_propagate(n.domain_, vel_equilibrium_sum), 0);
+  ASSERT_EQ(vel_domain_propagate(n.domain(), vel_equilibrium_sum), 0);
   EXPECT_EQ(Network::beliefs(a), prior);
 
   n.add("C", 2, {}, {0.5, 0.5});
   EXPECT_EQ(codes(), (std::vector<int>{0, vel_equilibrium_none, 0}));
-  EXPECT_EQ(vel_domain_get_probability_of_evidence(n.domain_), -1.0);
+  EXPECT_EQ(vel_domain_get_probability_of_evidence(n.domain()), -1.0);
   EXPECT_EQ(vel_error_code(), vel_error_not_compiled);
 }
 
@@ -77,16 +77,16 @@ TEST(Propagation, ImpossibleEvidenceLeavesThePreviousResults) {
   vel_node_t *a = n.add("A", 2, {}, {0.4, 0.6});
   vel_node_t *b = n.add("B", 2, {a}, not_a);
   ASSERT_EQ(vel_node_enter_evidence(a, 0), 0);
-  ASSERT_EQ(vel_domain_compile(n.domain_), 0);
+  ASSERT_EQ(vel_domain_compile(n.domain()), 0);
   const std::vector<double> before = Network::beliefs(b);
   const double likelihood[] = {1.0, 0.0};
   ASSERT_EQ(vel_node_enter_likelihood(b, likelihood, 2), 0);
-  EXPECT_EQ(vel_domain_propagate(n.domain_, vel_equilibrium_max), vel_error_impossible_evidence);
+  EXPECT_EQ(vel_domain_propagate(n.domain(), vel_equilibrium_max), vel_error_impossible_evidence);
   EXPECT_STREQ(vel_error_message(), "the evidence A = s0, B = likelihood (1, 0) is impossible (probability 0)");
   EXPECT_EQ(Network::beliefs(b), before);
-  EXPECT_EQ(vel_domain_get_probability_of_evidence(n.domain_), double{0.4f});
-  EXPECT_EQ(vel_domain_get_junction_tree(n.domain_)->equilibrium, vel_equilibrium_sum);
-  EXPECT_EQ(vel_domain_get_junction_tree(n.domain_)->evidence_pending, 1);
+  EXPECT_EQ(vel_domain_get_probability_of_evidence(n.domain()), double{0.4f});
+  EXPECT_EQ(vel_domain_get_junction_tree(n.domain())->equilibrium, vel_equilibrium_sum);
+  EXPECT_EQ(vel_domain_get_junction_tree(n.domain())->evidence_pending, 1);
 }
 
 // Every max-marginal ties, yet only half the configurations are possible:
@@ -96,15 +96,15 @@ TEST(Propagation, MostProbableConfigurationBreaksTiesConsistently) {
   vel_node_t *a = n.add("A", 2, {}, {0.5, 0.5});
   vel_node_t *b = n.add("B", 2, {a}, not_a);
   vel_node_t *c = n.add("C", 2, {b}, {1, 0, 0, 1});
-  ASSERT_EQ(vel_domain_compile(n.domain_), 0);
+  ASSERT_EQ(vel_domain_compile(n.domain()), 0);
   EXPECT_EQ(vel_node_get_most_probable_state(a), -1);
   EXPECT_EQ(vel_error_code(), vel_error_not_propagated);
-  ASSERT_EQ(vel_domain_propagate(n.domain_, vel_equilibrium_max), 0);
+  ASSERT_EQ(vel_domain_propagate(n.domain(), vel_equilibrium_max), 0);
   EXPECT_EQ(Network::beliefs(b), (std::vector<double>{1, 1}));
   std::vector<int64_t> configuration;
   for (vel_node_t *node : {a, b, c}) configuration.push_back(vel_node_get_most_probable_state(node));
   EXPECT_EQ(configuration, (std::vector<int64_t>{0, 1, 1}));
-  EXPECT_EQ(vel_domain_get_probability_of_configuration(n.domain_), 0.5);
+  EXPECT_EQ(vel_domain_get_probability_of_configuration(n.domain()), 0.5);
 }
 
 // A model changed after compilation is generated again before propagating;
@@ -114,12 +114,12 @@ TEST(Propagation, UsesTablesChangedAfterCompilation) {
   vel_node_t *a = n.add("A", 2, {}, {0.5, 0.5});
   vel_node_t *b = n.add("B", 2, {a});
   Network::model(b, {}, {"Distribution(1, 3)"});
-  ASSERT_EQ(vel_domain_compile(n.domain_), 0);
+  ASSERT_EQ(vel_domain_compile(n.domain()), 0);
   EXPECT_EQ(Network::beliefs(b), (std::vector<double>{0.25, 0.75}));
   Network::model(b, {a}, {"Distribution(1, 1)", "Distribution(0, 1)"});
   const double table[] = {0.75, 0.25};
   ASSERT_EQ(vel_node_set_table_data(a, table, 2), 0);
-  ASSERT_EQ(vel_domain_propagate(n.domain_, vel_equilibrium_sum), 0);
+  ASSERT_EQ(vel_domain_propagate(n.domain(), vel_equilibrium_sum), 0);
   EXPECT_EQ(Network::beliefs(b), (std::vector<double>{0.375, 0.625}));
 }
 

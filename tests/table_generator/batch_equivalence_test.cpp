@@ -113,7 +113,7 @@ class Expressions {
 class BatchEquivalence : public gentest::GenerationTest {
  protected:
   Outcome generate(vel_node_t *node, int scalar) {
-    domain_->scalar_generation = scalar;
+    domain()->scalar_generation = scalar;
     vel_model_set_tables_outdated(vel_node_get_model(node), 1);
     vel_table_t *table = vel_node_get_table(node);
     std::fill(table->data, table->data + table->size, -7.0f);

@@ -33,8 +33,7 @@ TEST_F(ComputeDistributionTest, SamplesUnboundedAndEmptyIntervalsOnce) {
 TEST_F(ComputeDistributionTest, DeterministicValuesAndExplicitDistributions) {
   for (const auto &c : vel_test::read_cases("table_generator/data/distribution_rows.tsv")) {
     SCOPED_TRACE(c["expression"]);
-    vel_domain_delete(domain_);
-    domain_ = vel_domain_new();
+    renew();
     vel_node_t *x = c["node"] == "labeled"    ? labeled("X", {"a", "b", "a2", "a2"})
                     : c["node"] == "boolean"  ? boolean("X")
                     : c["node"] == "numbered" ? numbered("X", {1, 2, 4, 8})
@@ -90,8 +89,8 @@ TEST_F(ComputeDistributionTest, AggregateRefusals) {
   vel_node_set_beliefs(n, std::vector<double>{0, 1, 0}.data(), 3);
   vel_node_set_beliefs(x, std::vector<double>{1}.data(), 1);
   for (const Case &c : cases) {
-    vel_domain_set_compiled(domain_, c.compiled);
-    vel_jt_set_state(vel_domain_get_junction_tree(domain_), c.equilibrium, c.mode, c.pending);
+    vel_domain_set_compiled(domain(), c.compiled);
+    vel_jt_set_state(vel_domain_get_junction_tree(domain()), c.equilibrium, c.mode, c.pending);
     EXPECT_EQ(row("aggregate(N, X)"), c.code) << &c - cases;
   }
   EXPECT_EQ(out, (std::vector<double>{0.5, 0.5, 0, 0, 0.5, 0.5, 0, 0, 0.5, 0.5, 0, 0}));

@@ -28,7 +28,7 @@ class DeepGraphTest : public gentest::FunctionNodeFixture {
 TEST_F(DeepGraphTest, ChainOfFunctionNodesInBothModes) {
   vel_node_t *start = continuous("L", 2);
   vel_node_set_configured_value(start, 5);
-  vel_domain_set_compiled(domain_, 1);
+  vel_domain_set_compiled(domain(), 1);
   const std::vector<vel_node_t *> nodes = chain(start);
   EXPECT_EQ(value(nodes.back(), vel_mode_inference), 2.0 + chain_length - 1);
   EXPECT_EQ(value(nodes.back(), vel_mode_configured), 5.0 + chain_length - 1);
@@ -59,13 +59,13 @@ TEST_F(DeepGraphTest, ManyNodesAndEdgesInAnyOrder) {
   EXPECT_STREQ(vel_error_message(), "cannot add N0 as a parent of N99999: it would close a directed cycle");
   EXPECT_EQ(vel_node_add_parent(nodes[5], nodes[6]), vel_error_usage);
   EXPECT_EQ(vel_node_add_parent(nodes.front(), nodes.back()), 0);
-  EXPECT_EQ(vel_domain_new_node(domain_, vel_category_chance, vel_kind_discrete, vel_subtype_boolean, "N77"),
+  EXPECT_EQ(vel_domain_new_node(domain(), vel_category_chance, vel_kind_discrete, vel_subtype_boolean, "N77"),
             nullptr);
 }
 
 TEST_F(DeepGraphTest, CallWithManyArguments) {
   vel_node_t *start = continuous("L", 2);
-  vel_domain_set_compiled(domain_, 1);
+  vel_domain_set_compiled(domain(), 1);
   std::string text = "max(L";
   for (int i = 1; i < 200000; ++i) text += ", L + " + std::to_string(i % 1000);
   text += ")";

@@ -27,8 +27,8 @@ TEST_F(DriverTest, RefusesNodesWithoutTablesFromModels) {
   EXPECT_EQ(vel_node_generate_table(f), vel_error_usage);
   EXPECT_EQ(vel_domain_generate_tables(nullptr), vel_error_usage);
   // The only model is a real-valued function node's: the domain walk skips it.
-  EXPECT_EQ(vel_domain_generate_tables(domain_), 0);
-  EXPECT_EQ(vel_class_generate_tables(domain_), 0);
+  EXPECT_EQ(vel_domain_generate_tables(domain()), 0);
+  EXPECT_EQ(vel_class_generate_tables(domain()), 0);
 }
 
 // An up-to-date model ends the call before anything else, even when it has
@@ -98,16 +98,16 @@ TEST_F(DriverTest, DomainWalkStopsAtTheFirstFailure) {
   vel_model_t *mb = model(b, {}, {"\"c\""});
   vel_node_t *c = labeled("C", {"a", "b"});
   vel_model_t *mc = model(c, {}, {"\"a\""});
-  EXPECT_EQ(vel_domain_generate_tables(domain_), vel_error_invalid_expression);
+  EXPECT_EQ(vel_domain_generate_tables(domain()), vel_error_invalid_expression);
   EXPECT_EQ(vel_model_get_tables_outdated(ma), 0);
   EXPECT_EQ(table(a), (std::vector<double>{0, 1}));
   EXPECT_NE(vel_model_get_tables_outdated(mb), 0);
   EXPECT_NE(vel_model_get_tables_outdated(mc), 0);
-  EXPECT_EQ(vel_class_generate_tables(domain_), vel_error_invalid_expression);
-  EXPECT_EQ(_vel_jt_generate_tables(vel_domain_get_junction_tree(domain_)),
+  EXPECT_EQ(vel_class_generate_tables(domain()), vel_error_invalid_expression);
+  EXPECT_EQ(_vel_jt_generate_tables(vel_domain_get_junction_tree(domain())),
             vel_error_invalid_expression);
   vel_model_set_expression(mb, 0, vel_parse_expression("\"a\"", b));
-  EXPECT_EQ(_vel_jt_generate_tables(vel_domain_get_junction_tree(domain_)), 0);
+  EXPECT_EQ(_vel_jt_generate_tables(vel_domain_get_junction_tree(domain())), 0);
   EXPECT_EQ(vel_model_get_tables_outdated(mc), 0);
 }
 
@@ -122,7 +122,7 @@ TEST_F(DriverTest, SelectsExpressionsThroughStrides) {
   vel_node_t *reordered = numbered("Reordered", {0, 1, 2, 3, 4, 5});
   parents(reordered, {a, b});
   model(reordered, {b, a}, {"0", "1", "2", "3", "4", "5"});
-  EXPECT_EQ(vel_domain_generate_tables(domain_), 0);
+  EXPECT_EQ(vel_domain_generate_tables(domain()), 0);
   for (vel_node_t *node : {shared, reordered}) {
     std::vector<double> expected(36, 0.0);
     const int states[] = {0, 2, 4, 1, 3, 5};

@@ -134,10 +134,10 @@ TEST_F(ProbabilityTest, SumsSinglePrecisionBeliefsOverStates) {
 // shares the check; here only that probability consults it.
 TEST_F(ProbabilityTest, NeedsACompiledAndPropagatedDomain) {
   double result = -1;
-  ASSERT_EQ(vel_domain_set_compiled(domain_, 0), 0);
+  ASSERT_EQ(vel_domain_set_compiled(domain(), 0), 0);
   EXPECT_EQ(evaluate("probability(B)", b_, &result), vel_error_not_compiled);
   propagate(b_, {0.5, 0.5});
-  ASSERT_EQ(vel_jt_set_state(vel_domain_get_junction_tree(domain_), vel_equilibrium_max,
+  ASSERT_EQ(vel_jt_set_state(vel_domain_get_junction_tree(domain()), vel_equilibrium_max,
                              vel_evidence_mode_normal, 0),
             0);
   EXPECT_EQ(evaluate("probability(B)", b_, &result), vel_error_computation);

@@ -15,7 +15,7 @@ vel_node_t *ExpressionTest::adopt(vel_node_t *node) {
 }
 
 vel_node_t *ExpressionTest::parent(const char *name, int category, int kind, int subtype, size_t states) {
-  vel_node_t *node = vel_domain_new_node(domain_, category, kind, subtype, name);
+  vel_node_t *node = vel_domain_new_node(domain(), category, kind, subtype, name);
   EXPECT_NE(node, nullptr) << name;
   if (states) {
     EXPECT_EQ(vel_node_set_number_of_states(node, states), 0) << name;

@@ -47,7 +47,7 @@ class ExpressionTest : public gentest::GenerationTest {
 
   // Through a successful host call: in sanitized position-independent
   // executables, direct access to the thread-local code is misreported.
-  void clear_error_code() { vel_domain_get_log_file(domain_); }
+  void clear_error_code() { vel_domain_get_log_file(domain()); }
 
   vel_node_t *child_;  // the node whose parents the expressions refer to
 };

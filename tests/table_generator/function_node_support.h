@@ -13,15 +13,15 @@ class FunctionNodeFixture : public GenerationTest {
   // Links to other domains and mirrors set by a test are records the
   // domain does not own.
   ~FunctionNodeFixture() override {
-    domain_->source_domain = nullptr;
-    domain_->blocked_nodes = nullptr;
-    domain_->mirrored_nodes = nullptr;
-    domain_->mirror_list = nullptr;
+    domain()->source_domain = nullptr;
+    domain()->blocked_nodes = nullptr;
+    domain()->mirrored_nodes = nullptr;
+    domain()->mirror_list = nullptr;
   }
 
   vel_node_t *continuous(const char *name, double mean, double variance = 0) {
     vel_node_t *node =
-        vel_domain_new_node(domain_, vel_category_chance, vel_kind_continuous, vel_subtype_none, name);
+        vel_domain_new_node(domain(), vel_category_chance, vel_kind_continuous, vel_subtype_none, name);
     EXPECT_EQ(vel_node_set_mean_and_variance(node, mean, variance), 0);
     return node;
   }

@@ -9,7 +9,7 @@ class FunctionNodeTest : public gentest::FunctionNodeFixture {
  protected:
   static uint64_t reads() { return vel::host::value_read_count(); }
   void expect_marks_cleared() {
-    for (vel_node_t *n = domain_->first_node; n != nullptr; n = n->next) EXPECT_EQ(n->mark, 0) << n->name;
+    for (vel_node_t *n = domain()->first_node; n != nullptr; n = n->next) EXPECT_EQ(n->mark, 0) << n->name;
   }
 };
 
@@ -71,11 +71,11 @@ TEST_F(FunctionNodeTest, CachedErrorStandsUntilInvalidated) {
   EXPECT_EQ(code(f, vel_mode_inference), vel_error_not_compiled);
   EXPECT_EQ(f->function_status[0], vel_error_not_compiled);
   // Changing the records behind the host's back leaves the cached error.
-  domain_->is_compiled = 1;
-  domain_->junction_tree->equilibrium = vel_equilibrium_sum;
+  domain()->is_compiled = 1;
+  domain()->junction_tree->equilibrium = vel_equilibrium_sum;
   EXPECT_EQ(code(f, vel_mode_inference), vel_error_not_compiled);
   EXPECT_EQ(vel_error_code(), vel_error_not_compiled);
-  ASSERT_EQ(vel_domain_set_compiled(domain_, 1), 0);
+  ASSERT_EQ(vel_domain_set_compiled(domain(), 1), 0);
   EXPECT_EQ(value(f, vel_mode_inference), 11);
 }
 
@@ -176,26 +176,26 @@ TEST_F(FunctionNodeTest, SourceDomainBlocksLinksAndValueSources) {
   _vel_invalidate_function_value(h, vel_mode_configured);
 
   int source = 0;
-  domain_->source_domain = &source;
+  domain()->source_domain = &source;
   EXPECT_EQ(value(g, vel_mode_configured), 11);
   EXPECT_EQ(value(h, vel_mode_configured), 10 * 2 + 1);
   EXPECT_EQ(y->state_index, 1);
 
   vel_node_t *blocked[] = {x, nullptr};
-  domain_->blocked_nodes = blocked;
+  domain()->blocked_nodes = blocked;
   for (vel_node_t *n : {f, g}) _vel_invalidate_function_value(n, vel_mode_configured);
   EXPECT_EQ(code(g, vel_mode_configured), vel_error_computation);
   EXPECT_EQ(f->function_status[1], vel_error_computation);
   EXPECT_EQ(g->function_status[1], vel_error_computation);
-  domain_->blocked_nodes = nullptr;
+  domain()->blocked_nodes = nullptr;
 
   // A blocked or linked node itself fails without caching a status.
   vel_node_t *self[] = {f, nullptr};
-  domain_->blocked_nodes = self;
+  domain()->blocked_nodes = self;
   _vel_invalidate_function_value(f, vel_mode_configured);
   EXPECT_EQ(code(f, vel_mode_configured), vel_error_computation);
   EXPECT_EQ(f->function_status[1], -1);
-  domain_->blocked_nodes = nullptr;
+  domain()->blocked_nodes = nullptr;
   EXPECT_EQ(value(f, vel_mode_configured), 11);
   expect_marks_cleared();
 }

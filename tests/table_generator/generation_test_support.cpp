@@ -4,13 +4,9 @@
 
 namespace gentest {
 
-DomainBuilder::DomainBuilder() : domain_(vel_domain_new()) {}
-
-DomainBuilder::~DomainBuilder() { vel_domain_delete(domain_); }
-
 GenerationTest::~GenerationTest() {
   // The domain, deleted after this, must not write to a closed log.
-  vel_domain_set_log_file(domain_, nullptr);
+  vel_domain_set_log_file(domain(), nullptr);
   close_log();
 }
 
@@ -26,7 +22,7 @@ void GenerationTest::use_log() {
   close_log();
   log_file_ = open_memstream(&log_buffer_, &log_size_);
   ASSERT_NE(log_file_, nullptr);
-  vel_domain_set_log_file(domain_, log_file_);
+  vel_domain_set_log_file(domain(), log_file_);
 }
 
 void GenerationTest::use_failing_log() {
@@ -34,7 +30,7 @@ void GenerationTest::use_failing_log() {
   log_file_ = fopen("/dev/full", "w");
   ASSERT_NE(log_file_, nullptr);
   setvbuf(log_file_, nullptr, _IONBF, 0);
-  vel_domain_set_log_file(domain_, log_file_);
+  vel_domain_set_log_file(domain(), log_file_);
 }
 
 std::string GenerationTest::log() {
@@ -60,36 +56,36 @@ vel_node_t *discrete(vel_domain_t *domain, int category, int subtype, const char
 
 vel_node_t *DomainBuilder::labeled(const char *name, const std::vector<const char *> &labels,
                                     int category) {
-  vel_node_t *node = discrete(domain_, category, vel_subtype_labeled, name, labels.size());
+  vel_node_t *node = discrete(domain(), category, vel_subtype_labeled, name, labels.size());
   for (size_t i = 0; i < labels.size(); ++i) EXPECT_EQ(vel_node_set_state_label(node, i, labels[i]), 0);
   return node;
 }
 
 vel_node_t *DomainBuilder::boolean(const char *name, int category) {
-  return discrete(domain_, category, vel_subtype_boolean, name, 2);
+  return discrete(domain(), category, vel_subtype_boolean, name, 2);
 }
 
 vel_node_t *DomainBuilder::numbered(const char *name, const std::vector<double> &values,
                                      int category) {
-  vel_node_t *node = discrete(domain_, category, vel_subtype_numbered, name, values.size());
+  vel_node_t *node = discrete(domain(), category, vel_subtype_numbered, name, values.size());
   for (size_t i = 0; i < values.size(); ++i) EXPECT_EQ(vel_node_set_state_value(node, i, values[i]), 0);
   return node;
 }
 
 vel_node_t *DomainBuilder::interval(const char *name, const std::vector<double> &bounds,
                                      int category) {
-  vel_node_t *node = discrete(domain_, category, vel_subtype_interval, name, bounds.size() - 1);
+  vel_node_t *node = discrete(domain(), category, vel_subtype_interval, name, bounds.size() - 1);
   for (size_t i = 0; i < bounds.size(); ++i) EXPECT_EQ(vel_node_set_state_value(node, i, bounds[i]), 0);
   return node;
 }
 
 vel_node_t *DomainBuilder::utility(const char *name) {
-  return vel_domain_new_node(domain_, vel_category_utility, vel_kind_stateless, vel_subtype_none,
+  return vel_domain_new_node(domain(), vel_category_utility, vel_kind_stateless, vel_subtype_none,
                              name);
 }
 
 vel_node_t *DomainBuilder::real_function(const char *name) {
-  return vel_domain_new_node(domain_, vel_category_function, vel_kind_stateless,
+  return vel_domain_new_node(domain(), vel_category_function, vel_kind_stateless,
                              vel_subtype_none, name);
 }
 
@@ -121,8 +117,8 @@ std::vector<double> DomainBuilder::table(vel_node_t *node) {
 vel_node_t *DomainBuilder::add(const char *name, size_t states, const std::vector<vel_node_t *> &parents,
                                const std::vector<double> &table, int category, int subtype) {
   vel_node_t *node = subtype == vel_subtype_none
-                         ? vel_domain_new_node(domain_, category, vel_kind_stateless, vel_subtype_none, name)
-                         : discrete(domain_, category, subtype, name, states);
+                         ? vel_domain_new_node(domain(), category, vel_kind_stateless, vel_subtype_none, name)
+                         : discrete(domain(), category, subtype, name, states);
   for (size_t i = 0; subtype == vel_subtype_labeled && i < states; ++i)
     vel_node_set_state_label(node, i, ("s" + std::to_string(i)).c_str());
   this->parents(node, parents);
@@ -139,8 +135,8 @@ std::vector<double> DomainBuilder::beliefs(const vel_node_t *node) {
 }
 
 void GenerationTest::propagate(vel_node_t *node, const std::vector<double> &beliefs) {
-  vel_domain_set_compiled(domain_, 1);
-  vel_jt_set_state(vel_domain_get_junction_tree(domain_), vel_equilibrium_sum,
+  vel_domain_set_compiled(domain(), 1);
+  vel_jt_set_state(vel_domain_get_junction_tree(domain()), vel_equilibrium_sum,
                    vel_evidence_mode_normal, 0);
   if (node) {
     EXPECT_EQ(vel_node_set_beliefs(node, beliefs.data(), beliefs.size()), 0);

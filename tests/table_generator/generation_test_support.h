@@ -5,6 +5,7 @@
 #include <gtest/gtest.h>
 
 #include <cstdio>
+#include <memory>
 #include <string>
 #include <vector>
 
@@ -22,10 +23,9 @@ const double kInf = vel_infinity;
 // beliefs read back.
 class DomainBuilder {
  public:
-  DomainBuilder();
-  ~DomainBuilder();
-  DomainBuilder(const DomainBuilder &) = delete;
-  DomainBuilder &operator=(const DomainBuilder &) = delete;
+  vel_domain_t *domain() const { return domain_.get(); }
+  // Deletes the domain and starts an empty one.
+  void renew() { domain_.reset(vel_domain_new()); }
 
   vel_node_t *labeled(const char *name, const std::vector<const char *> &labels,
                       int category = vel_category_chance);
@@ -52,7 +52,12 @@ class DomainBuilder {
   static std::vector<double> table(vel_node_t *node);
   static std::vector<double> beliefs(const vel_node_t *node);
 
-  vel_domain_t *domain_;
+
+ private:
+  struct Deleter {
+    void operator()(vel_domain_t *domain) const { vel_domain_delete(domain); }
+  };
+  std::unique_ptr<vel_domain_t, Deleter> domain_{vel_domain_new()};
 };
 
 class GenerationTest : public ::testing::Test, public DomainBuilder {

@@ -9,8 +9,8 @@ namespace {
 class InferenceValuesTest : public gentest::GenerationTest {
  protected:
   void set_jt(int compiled, int equilibrium, int mode, int pending) {
-    vel_domain_set_compiled(domain_, compiled);
-    vel_jt_set_state(vel_domain_get_junction_tree(domain_), equilibrium, mode, pending);
+    vel_domain_set_compiled(domain(), compiled);
+    vel_jt_set_state(vel_domain_get_junction_tree(domain()), equilibrium, mode, pending);
   }
 };
 
@@ -101,7 +101,7 @@ TEST_F(InferenceValuesTest, TablesReadingInferenceResultsBecomeOutdated) {
   vel_node_t *n = numbered("N", {0, 1, 2});
   vel_node_t *item = interval("I", {0, 1});
   vel_node_t *y = labeled("Y", {"a", "b"});
-  vel_node_t *level = vel_domain_new_node(domain_, vel_category_chance, vel_kind_continuous,
+  vel_node_t *level = vel_domain_new_node(domain(), vel_category_chance, vel_kind_continuous,
                                           vel_subtype_none, "Level");
   vel_node_t *q = numbered("Q", {0, 1, 2});
   vel_node_t *f = interval("F", {0, 1, 2}, vel_category_function);
@@ -114,7 +114,7 @@ TEST_F(InferenceValuesTest, TablesReadingInferenceResultsBecomeOutdated) {
   model(v, {}, {"variance(Level)"});
   propagate(n, {0.25, 0.5, 0.25});
   vel_node_set_beliefs(item, std::vector<double>{1}.data(), 1);
-  ASSERT_EQ(vel_domain_generate_tables(domain_), 0);
+  ASSERT_EQ(vel_domain_generate_tables(domain()), 0);
   EXPECT_EQ(table(q), (std::vector<double>{0, 1, 0, 0, 1, 0, 0, 1, 0}));
   EXPECT_EQ(table(f), (std::vector<double>{0.875, 0.125, 0.875, 0.125, 0.875, 0.125}));
 
@@ -126,14 +126,14 @@ TEST_F(InferenceValuesTest, TablesReadingInferenceResultsBecomeOutdated) {
       {"item beliefs", [&] { vel_node_set_beliefs(item, one, 1); }, {0, 1, 0}},
       {"evidence", [&] { vel_node_set_evidence(n, 0); }, {1, 1, 0}},
       {"mean and variance", [&] { vel_node_set_mean_and_variance(level, 2, 1); }, {0, 0, 1}},
-      {"compiled flag", [&] { vel_domain_set_compiled(domain_, 1); }, {1, 1, 1}},
+      {"compiled flag", [&] { vel_domain_set_compiled(domain(), 1); }, {1, 1, 1}},
   };
   for (const Step &step : steps) {
     step.change();
     std::vector<int> outdated;
     for (vel_node_t *node : {q, f, v}) outdated.push_back(node->model->tables_outdated);
     EXPECT_EQ(outdated, step.outdated) << step.what;
-    ASSERT_EQ(vel_domain_generate_tables(domain_), 0) << step.what;
+    ASSERT_EQ(vel_domain_generate_tables(domain()), 0) << step.what;
   }
   EXPECT_EQ(table(q), (std::vector<double>{1, 0, 0, 1, 0, 0, 1, 0, 0}));
   EXPECT_EQ(table(f), (std::vector<double>{1, 0, 1, 0, 1, 0}));

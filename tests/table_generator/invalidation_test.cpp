@@ -117,13 +117,13 @@ TEST_F(InvalidationTest, ReachesMirrors) {
   vel_node_t *second[] = {other, copy2, nullptr};
   vel_mirror_t records[] = {{first}, {second}};
   vel_mirror_t *mirrors[] = {&records[0], &records[1], nullptr};
-  domain_->mirrored_nodes = mirrored;
+  domain()->mirrored_nodes = mirrored;
 
   // Without a mirror list nothing beyond the node is reached.
   _vel_invalidate_function_value(f, vel_mode_configured);
   EXPECT_EQ(copy1->function_status[1], 0);
 
-  domain_->mirror_list = mirrors;
+  domain()->mirror_list = mirrors;
   _vel_invalidate_function_value(f, vel_mode_inference);
   EXPECT_EQ(copy1->function_status[0], -1);
   EXPECT_EQ(copy2->function_status[0], -1);
@@ -177,7 +177,7 @@ class StatusInitialisationTest : public InvalidationTest {
     model(t_, {}, {"F"});
     model(plain_, {}, {"1"});
   }
-  void check_parents(bool on) { domain_->node_counters[1] = on ? 1 : 0; }
+  void check_parents(bool on) { domain()->node_counters[1] = on ? 1 : 0; }
 
   vel_node_t *f_, *t_, *plain_;
 };
@@ -199,7 +199,7 @@ TEST_F(StatusInitialisationTest, ClearsRecordsAndFlagsFailingParents) {
     t_->model->tables_outdated = 1;
     plain_->model->tables_outdated = 1;
     check_parents(c.check);
-    _vel_domain_initialize_function_status_codes(domain_);
+    _vel_domain_initialize_function_status_codes(domain());
     EXPECT_EQ(vel_error_code(), 0);
     EXPECT_EQ(t_->model->function_value_use, 0);
     EXPECT_EQ(outdated(t_), c.outdated) << (c.expression ? c.expression : "none") << c.check;
@@ -218,7 +218,7 @@ TEST_F(StatusInitialisationTest, CollectionFromTheFirstIndex) {
   vel_model_t *m = vel_node_new_model(s, nullptr);
   vel_model_set_expression(m, 0, vel_parse_expression("G", s));
   ASSERT_EQ(m->function_value_use, 1);
-  vel_domain_t *domains[] = {domain_, other, nullptr};
+  vel_domain_t *domains[] = {domain(), other, nullptr};
   vel_collection_t collection{domains};
 
   _vel_cc_initialize_function_status_codes(&collection, 1);
