@@ -11,12 +11,6 @@ using testing::MatchesRegex;
 using vel_test::data_file;
 using vel_test::run_vel;
 
-TEST(Generate, HelpNamesItsOptions) {
-  const auto help = run_vel({"generate", "--help"});
-  EXPECT_EQ(help.status, 0);
-  EXPECT_THAT(help.out, testing::HasSubstr("--no-log"));
-}
-
 TEST(Generate, CsvFilesPerTableInADirectory) {
   vel_test::TempDir directory;
   const std::string out = directory.path() + "/tables/new";

@@ -72,25 +72,6 @@ TEST_F(AggregateSumTest, SumsWorkedOutByHand) {
   }
 }
 
-// Many copies of a ten-piece item: the rows still sum to 1 and the mean of
-// the discretised sum matches N's mean times X's mean.
-TEST_F(AggregateSumTest, LargerSumsKeepTheirMass) {
-  std::vector<double> item_bounds, beliefs;
-  for (int i = 0; i <= 10; ++i) item_bounds.push_back(i * 0.1);
-  for (int i = 0; i < 10; ++i) beliefs.push_back(1.0);
-  std::vector<double> bounds;
-  for (int i = 0; i <= 200; ++i) bounds.push_back(i * 0.1);
-  std::vector<double> row;
-  ASSERT_EQ(sum(std::vector<float>(21, 1.0f), item_bounds, beliefs, bounds, &row), 0);
-  double mass = 0, mean = 0;
-  for (size_t i = 0; i < row.size(); ++i) {
-    mass += row[i];
-    mean += row[i] * (i + 0.5) * 0.1;
-  }
-  EXPECT_NEAR(mass, 1.0, 1e-9);
-  EXPECT_NEAR(mean, 10 * 0.5, 0.01);  // midpoints: within half a state width
-}
-
 TEST_F(AggregateSumTest, Refusals) {
   std::vector<double> row;
   EXPECT_EQ(sum({0, 0, 1}, {0, 1}, {1}, {0, 1}, &row), vel_error_state_range);

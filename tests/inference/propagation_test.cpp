@@ -72,23 +72,6 @@ TEST(Propagation, CodesEvidenceAndRetraction) {
   EXPECT_EQ(vel_error_code(), vel_error_not_compiled);
 }
 
-TEST(Propagation, ImpossibleEvidenceLeavesThePreviousResults) {
-  Network n;
-  vel_node_t *a = n.add("A", 2, {}, {0.4, 0.6});
-  vel_node_t *b = n.add("B", 2, {a}, not_a);
-  ASSERT_EQ(vel_node_enter_evidence(a, 0), 0);
-  ASSERT_EQ(vel_domain_compile(n.domain()), 0);
-  const std::vector<double> before = Network::beliefs(b);
-  const double likelihood[] = {1.0, 0.0};
-  ASSERT_EQ(vel_node_enter_likelihood(b, likelihood, 2), 0);
-  EXPECT_EQ(vel_domain_propagate(n.domain(), vel_equilibrium_max), vel_error_impossible_evidence);
-  EXPECT_STREQ(vel_error_message(), "the evidence A = s0, B = likelihood (1, 0) is impossible (probability 0)");
-  EXPECT_EQ(Network::beliefs(b), before);
-  EXPECT_EQ(vel_domain_get_probability_of_evidence(n.domain()), double{0.4f});
-  EXPECT_EQ(vel_domain_get_junction_tree(n.domain())->equilibrium, vel_equilibrium_sum);
-  EXPECT_EQ(vel_domain_get_junction_tree(n.domain())->evidence_pending, 1);
-}
-
 // Every max-marginal ties, yet only half the configurations are possible:
 // B and C follow A's choice.
 TEST(Propagation, MostProbableConfigurationBreaksTiesConsistently) {

@@ -57,18 +57,6 @@ TEST(IntervalCdfs, WholeLineHasProbabilityOne) {
     for (double variance : {1e-6, 1.0, 1e8}) EXPECT_EQ(_vel_Gauss_cdf(-max, max, mean, variance), 1.0);
 }
 
-TEST(IntervalCdfs, StandardNormalUpperTailAtZeroIsOneHalf) { EXPECT_EQ(_vel_normal_c(0.0), 0.5); }
-
-TEST(IntervalCdfs, LogNormalBelowOrAcrossZero) {
-  EXPECT_EQ(LogNormal_cdf(-5.0, 0.0, 0.0, 1.0), 0.0);
-  EXPECT_EQ(LogNormal_cdf(-5.0, -1.0, 0.0, 1.0), 0.0);
-  // A lower end at or below 0 stands for the whole lower tail.
-  for (double x1 : {0.0, -2.0, -max}) {
-    EXPECT_EQ(LogNormal_cdf(x1, 3.0, 0.7, 2.0), _vel_Gauss_cdf(-max, std::log(3.0), 0.7, 2.0));
-    EXPECT_EQ(LogNormal_cdf(x1, 1.0, 0.0, 1.0), 0.5);
-  }
-}
-
 TEST(IntervalCdfs, GammaUpperTailIsUnclamped) {
   double p, q;
   ASSERT_EQ(gamma_ratio(&p, &q, 2.5, 1.5), 0);
@@ -84,20 +72,6 @@ TEST(IntervalCdfs, FDistributionGuards) {
   EXPECT_EQ(_vel_F_distribution_c((max - 7.0) / 4.0, 4, 7.0), 0.0);
   EXPECT_EQ(_vel_F_distribution_c(max, 1, 7.0), 0.0);
   EXPECT_EQ(_vel_F_distribution_c(0.0, 4, 7.0), 1.0);
-}
-
-TEST(IntervalCdfs, TriangularModeAtAnEndAndPartitions) {
-  const double modes[] = {0.0, 0.3, 1.0, 2.0};  // on [0, 2]: at a, inside, at b
-  const double cuts[] = {-max, 0.1, 0.3, 0.7, 1.0, 1.5, 1.99, max};
-  for (double m : modes) {
-    double total = 0.0;
-    for (size_t i = 0; i + 1 < std::size(cuts); ++i) {
-      const double piece = Triangular_cdf(cuts[i], cuts[i + 1], 0.0, m, 2.0);
-      EXPECT_TRUE(std::isfinite(piece) && piece >= 0.0) << "mode " << m << " piece " << i;
-      total += piece;
-    }
-    EXPECT_NEAR(total, 1.0, 1e-15) << "mode " << m;
-  }
 }
 
 // Bit for bit, with the unbounded upper end taken without a difference.

@@ -9,13 +9,6 @@ namespace {
 
 using gentest::GenerationTest;
 
-TEST(SizeMultiply, SaturatesAtTheLargestSize) {
-  struct Case { size_t a, b, product; } cases[] = {
-      {0, SIZE_MAX, 0}, {8, 3, 24}, {2, SIZE_MAX / 2, SIZE_MAX - 1}, {2, SIZE_MAX / 2 + 1, SIZE_MAX},
-  };
-  for (const Case &c : cases) EXPECT_EQ(size_multiply(c.a, c.b), c.product) << c.a << " " << c.b;
-}
-
 class DriverTest : public GenerationTest {};
 
 TEST_F(DriverTest, RefusesNodesWithoutTablesFromModels) {
