@@ -72,13 +72,19 @@ inline std::vector<std::string> fields_of(const std::string &line, char separato
   return fields;
 }
 
-// The text of tests/<path>: a case file, or a model or network the tests load.
-inline std::string test_file_text(const std::string &path) {
-  std::ifstream in(std::string(VEL_SOURCE_DIR) + "/tests/" + path, std::ios::binary);
-  if (!in) throw std::runtime_error("cannot read tests/" + path);
+// The whole text of a file; "" when there is none.
+inline std::string read_file(const std::string &path) {
+  std::ifstream in(path, std::ios::binary);
   std::ostringstream text;
   text << in.rdbuf();
   return text.str();
+}
+
+// The text of tests/<path>: a case file, or a model or network the tests load.
+inline std::string test_file_text(const std::string &path) {
+  const std::string full = std::string(VEL_SOURCE_DIR) + "/tests/" + path;
+  if (!std::ifstream(full)) throw std::runtime_error("cannot read tests/" + path);
+  return read_file(full);
 }
 
 // The cases of tests/<path>; a line with the wrong number of fields throws.

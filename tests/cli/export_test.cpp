@@ -118,8 +118,9 @@ TEST(Export, ModelFilesKeepTheirGeneratedTables) {
 TEST(Export, NothingIsWrittenWhenGenerationFails) {
   const TempDir directory;
   const std::string out = directory.path() + "/out";
-  vel_test::expect_run({"export"}, {{vel_test::data_file("two_failures.yaml"), "--to", "bif", "-o", out}, 1, "",
-                                    "vel: Umbrella: error 34 (vel_error_invalid_expression): "});
+  const auto run = run_vel({"export", vel_test::data_file("two_failures.yaml"), "--to", "bif", "-o", out});
+  EXPECT_EQ(run.status, 1);
+  EXPECT_THAT(run.err, testing::StartsWith("vel: Umbrella: error 34 (vel_error_invalid_expression): "));
   EXPECT_FALSE(std::filesystem::exists(out));
 }
 

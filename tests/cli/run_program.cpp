@@ -1,8 +1,5 @@
 #include "run_program.h"
 
-#include <gmock/gmock.h>
-#include <gtest/gtest.h>
-
 #include <fcntl.h>
 #include <spawn.h>
 #include <sys/wait.h>
@@ -15,13 +12,6 @@
 #include <stdexcept>
 
 namespace vel_test {
-
-std::string read_file(const std::string &path) {
-  std::ifstream in(path, std::ios::binary);
-  std::ostringstream text;
-  text << in.rdbuf();
-  return text.str();
-}
 
 TempDir::TempDir() {
   char pattern[] = "/tmp/vel_cli_XXXXXX";
@@ -42,22 +32,6 @@ std::string TempDir::write(const std::string &name, const std::string &text) con
 }
 
 std::string data_file(const std::string &name) { return std::string(VEL_SOURCE_DIR) + "/tests/cli/data/" + name; }
-
-void expect_run(const std::vector<std::string> &command, const Expected &expected,
-                const std::vector<std::string> &extra) {
-  std::vector<std::string> arguments = command;
-  arguments.insert(arguments.end(), expected.arguments.begin(), expected.arguments.end());
-  arguments.insert(arguments.end(), extra.begin(), extra.end());
-  SCOPED_TRACE(testing::PrintToString(arguments));
-  const Run run = run_vel(arguments);
-  EXPECT_EQ(run.status, expected.status);
-  EXPECT_EQ(run.out, expected.out);
-  if (expected.err.empty() || expected.err.back() == '\n') {
-    EXPECT_EQ(run.err, expected.err);
-  } else {
-    EXPECT_THAT(run.err, testing::StartsWith(expected.err));
-  }
-}
 
 namespace {
 

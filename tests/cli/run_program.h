@@ -4,6 +4,8 @@
 #include <string>
 #include <vector>
 
+#include "case_file.h"  // read_file
+
 namespace vel_test {
 
 struct Run {
@@ -14,7 +16,6 @@ struct Run {
 
 Run run_vel(const std::vector<std::string> &arguments);
 
-std::string read_file(const std::string &path);
 // A fresh directory for one test's files, removed with everything in it.
 class TempDir {
  public:
@@ -31,19 +32,5 @@ class TempDir {
 };
 // Path of a file under tests/cli/data.
 std::string data_file(const std::string &name);
-
-// A run of the program and what it must answer: the exit status, all of
-// stdout, and stderr: the whole of it when `err` is empty or ends in a
-// newline, else its beginning.
-struct Expected {
-  std::vector<std::string> arguments;
-  int status;
-  std::string out;
-  std::string err;
-};
-// Runs `command` followed by the case's arguments and `extra`, and checks
-// what it answers.
-void expect_run(const std::vector<std::string> &command, const Expected &expected,
-                const std::vector<std::string> &extra = {});
 
 }  // namespace vel_test
