@@ -1,11 +1,10 @@
 // The host operations that the table generator calls: verdicts on state
-// values, value-to-state lookups, labels, allocation and the log file.
+// values, value-to-state lookups, labels and the log file.
 #include <gtest/gtest.h>
 
 #include <cfloat>
 #include <cmath>
 #include <cstdint>
-#include <cstdlib>
 #include <sstream>
 #include <string>
 #include <vector>
@@ -87,30 +86,6 @@ TEST_F(HostOperationsTest, LabelsAndStateValues) {
   _vel_error_code = 0;
   EXPECT_TRUE(std::isnan(_vel_node_get_state_value(interval, 3)));
   EXPECT_EQ(vel_error_code(), vel_error_usage);
-}
-
-// Sizes beyond PTRDIFF_MAX are refused before malloc is asked; zero bytes
-// still give memory that free releases.
-TEST(Allocate, RefusesImpossibleSizes) {
-  EXPECT_EQ(_vel_allocate(SIZE_MAX), nullptr);
-  EXPECT_EQ(vel_error_code(), vel_error_out_of_memory);
-  void *p = _vel_allocate(0);
-  EXPECT_NE(p, nullptr);
-  std::free(p);
-}
-
-TEST_F(HostOperationsTest, NodeAppearsAnywhereInTheModel) {
-  vel_node_t *a = valued(vel_subtype_numbered, {0, 1});  // N0
-  vel_node_t *b = valued(vel_subtype_numbered, {0, 1});  // N1
-  vel_node_t *child = valued(vel_subtype_numbered, {0, 1});
-  vel_node_add_parent(child, a);
-  vel_node_add_parent(child, b);
-  vel_node_t *const model_nodes[] = {a, nullptr};
-  vel_model_t *model = vel_node_new_model(child, model_nodes);
-  EXPECT_EQ(_vel_node_appears_in_model(model, b), 0) << "unspecified model";
-  vel_model_set_expression(model, 1, vel_parse_expression("-(2 * N1)", child));
-  EXPECT_EQ(_vel_node_appears_in_model(model, b), 1) << "deep inside the second expression";
-  EXPECT_EQ(_vel_node_appears_in_model(model, a), 0) << "a model node is not a reference";
 }
 
 TEST_F(HostOperationsTest, PrintSizeAndLogFlush) {

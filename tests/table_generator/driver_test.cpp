@@ -47,24 +47,6 @@ TEST_F(DriverTest, UpToDateUnspecifiedAndUnwritable) {
   EXPECT_EQ(vel_node_generate_table(y), vel_error_io);
 }
 
-TEST_F(DriverTest, AnnouncesEachTableWord) {
-  vel_node_t *nodes[] = {labeled("C", {"a", "b"}), labeled("D", {"a", "b"}, vel_category_decision),
-                         labeled("F", {"a", "b"}, vel_category_function), utility("U")};
-  use_log();
-  for (vel_node_t *n : nodes) {
-    vel_model_t *m = model(n, {}, {n == nodes[3] ? "-2.5" : "\"b\""});
-    EXPECT_EQ(vel_node_generate_table(n), 0) << vel_node_get_name(n);
-    EXPECT_EQ(vel_model_get_tables_outdated(m), 0);
-  }
-  EXPECT_EQ(log(),
-            "Using model for C to generate a conditional probability table\n"
-            "Using model for D to generate a policy table\n"
-            "Using model for F to generate a conditional probability table\n"
-            "Using model for U to generate a utility table\n");
-  EXPECT_EQ(table(nodes[0]), (std::vector<double>{0, 1}));
-  EXPECT_EQ(table(nodes[3]), (std::vector<double>{-2.5}));
-}
-
 TEST_F(DriverTest, ReportsEveryBadExpressionBeforeFailing) {
   vel_node_t *p = labeled("P", {"p0", "p1", "p2"});
   vel_node_t *x = labeled("X", {"a", "b"});
