@@ -36,9 +36,7 @@ class ExpressionTest : public gentest::GenerationTest {
     return parent(name, vel_category_chance, vel_kind_discrete, vel_subtype_interval, states);
   }
   vel_node_t *boolean(const char *name) { return adopt(GenerationTest::boolean(name)); }
-  vel_node_t *continuous(const char *name) {
-    return parent(name, vel_category_chance, vel_kind_continuous, vel_subtype_none);
-  }
+  vel_node_t *continuous(const char *name) { return adopt(GenerationTest::continuous(name)); }
 
   // `text` over the nodes made so far; the test fails on a syntax error.
   Expr parse(const char *text);

@@ -1,5 +1,5 @@
-// A generation fixture with helpers for function-node tests: continuous
-// inputs, function nodes of one expression, and the per-mode entry points.
+// A generation fixture with helpers for function-node tests: function nodes
+// of one expression, and the per-mode entry points.
 #pragma once
 
 #include <cmath>
@@ -19,12 +19,6 @@ class FunctionNodeFixture : public GenerationTest {
     domain()->mirror_list = nullptr;
   }
 
-  vel_node_t *continuous(const char *name, double mean, double variance = 0) {
-    vel_node_t *node =
-        vel_domain_new_node(domain(), vel_category_chance, vel_kind_continuous, vel_subtype_none, name);
-    EXPECT_EQ(vel_node_set_mean_and_variance(node, mean, variance), 0);
-    return node;
-  }
   vel_node_t *function_of(const char *name, const std::vector<vel_node_t *> &inputs, const char *text) {
     vel_node_t *f = real_function(name);
     parents(f, inputs);

@@ -79,6 +79,13 @@ vel_node_t *DomainBuilder::interval(const char *name, const std::vector<double> 
   return node;
 }
 
+vel_node_t *DomainBuilder::continuous(const char *name, double mean, double variance) {
+  vel_node_t *node =
+      vel_domain_new_node(domain(), vel_category_chance, vel_kind_continuous, vel_subtype_none, name);
+  EXPECT_EQ(vel_node_set_mean_and_variance(node, mean, variance), 0) << name;
+  return node;
+}
+
 vel_node_t *DomainBuilder::utility(const char *name) {
   return vel_domain_new_node(domain(), vel_category_utility, vel_kind_stateless, vel_subtype_none,
                              name);

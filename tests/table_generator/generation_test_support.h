@@ -34,6 +34,7 @@ class DomainBuilder {
                        int category = vel_category_chance);
   vel_node_t *interval(const char *name, const std::vector<double> &bounds,
                        int category = vel_category_chance);
+  vel_node_t *continuous(const char *name, double mean = 0, double variance = 0);
   vel_node_t *utility(const char *name);
   vel_node_t *real_function(const char *name);
   // A discrete node of `states` states (labeled s0, s1, ... unless `subtype`

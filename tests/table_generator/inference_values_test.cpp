@@ -101,8 +101,7 @@ TEST_F(InferenceValuesTest, TablesReadingInferenceResultsBecomeOutdated) {
   vel_node_t *n = numbered("N", {0, 1, 2});
   vel_node_t *item = interval("I", {0, 1});
   vel_node_t *y = labeled("Y", {"a", "b"});
-  vel_node_t *level = vel_domain_new_node(domain(), vel_category_chance, vel_kind_continuous,
-                                          vel_subtype_none, "Level");
+  vel_node_t *level = continuous("Level");
   vel_node_t *q = numbered("Q", {0, 1, 2});
   vel_node_t *f = interval("F", {0, 1, 2}, vel_category_function);
   vel_node_t *v = numbered("V", {0, 1});
