@@ -10,6 +10,7 @@
 #include "io/json_text.h"
 #include "io/model_file.h"
 #include "io/table_output.h"
+#include "loaded_model_access.h"
 
 namespace {
 
@@ -17,7 +18,7 @@ namespace {
 
 class TableOutput : public testing::Test {
  protected:
-  vel_node_t *node(const char *name) { return vel_domain_get_node_by_name(model_.domain.get(), name); }
+  vel_node_t *node(const char *name) { return vel_test::node(model_, name); }
   vel::io::LoadedModel model_ = vel::io::load_model_text(vel_test::test_file_text("io/data/plant.yaml"), "plant.yaml");
   std::ostringstream out_;
 };
