@@ -1,5 +1,7 @@
 #include "host/operators.h"
 
+#include <array>
+
 #include "common/error.h"
 #include "vel/vel.h"
 
@@ -11,90 +13,73 @@ constexpr uint32_t boolean = vel_type_boolean;
 constexpr uint32_t dist = vel_type_distribution;
 constexpr int many = -1;
 
+// A call written name(arguments); `nodes` has bit i set where argument i
+// must be a node reference.
+constexpr OperatorInfo call(const char *name, int min, int max, uint32_t result, const char *parameters,
+                            uint32_t nodes = 0) {
+  return {0, name, min, max, false, nodes, false, result, true, parameters};
+}
+constexpr OperatorInfo of_a_number(const char *name) { return call(name, 1, 1, num, "a number"); }
+// An infix operator, or a leaf (no arguments, no text of its own).
+constexpr OperatorInfo symbol(const char *name, int arity, uint32_t result) {
+  return {0, name, arity, arity, false, 0, false, result, false, nullptr};
+}
+
+// One row per operator code, in the order of the codes (vel_op_Normal to
+// vel_op_truth, which have no gap); the codes are filled in from the order.
 // Beta takes 2 or 4 arguments (never 3); arity_fits knows that exception.
-constexpr OperatorInfo operators[] = {
-    {vel_op_Normal, "Normal", 2, 2, false, 0, false, dist, true, "a mean and a variance"},
-    {vel_op_LogNormal, "LogNormal", 2, 3, false, 0, false, dist, true,
-     "the mean and variance of the logarithm and an optional location"},
-    {vel_op_Beta, "Beta", 2, 4, false, 0, false, dist, true,
-     "shapes alpha and beta, and optionally the bounds a and b"},
-    {vel_op_Gamma, "Gamma", 2, 3, false, 0, false, dist, true,
-     "shape, scale and an optional location"},
-    {vel_op_Exponential, "Exponential", 1, 2, false, 0, false, dist, true,
-     "a scale (the mean) and an optional location"},
-    {vel_op_Weibull, "Weibull", 2, 3, false, 0, false, dist, true,
-     "shape, scale and an optional location"},
-    {vel_op_Uniform, "Uniform", 2, 2, false, 0, false, dist, true, "the bounds a and b"},
-    {vel_op_Triangular, "Triangular", 3, 3, false, 0, false, dist, true,
-     "the minimum a, the mode m and the maximum b"},
-    {vel_op_PERT, "PERT", 3, 4, false, 0, false, dist, true,
-     "the minimum a, the mode m, the maximum b and an optional shape lambda"},
-    {vel_op_Binomial, "Binomial", 2, 2, false, 0, false, dist, true,
-     "the number of trials and the probability of success"},
-    {vel_op_Poisson, "Poisson", 1, 1, false, 0, false, dist, true, "a mean"},
-    {vel_op_NegativeBinomial, "NegativeBinomial", 2, 2, false, 0, false, dist, true,
-     "the number of successes r and the probability of success p"},
-    {vel_op_Geometric, "Geometric", 1, 1, false, 0, false, dist, true,
-     "the probability of success p"},
-    {vel_op_Distribution, "Distribution", 1, many, false, 0, false, dist, true,
-     "one weight per state of the node"},
-    {vel_op_NoisyOR, "NoisyOR", 2, many, true, 0, false, dist, true,
-     "pairs of a condition and the probability that it fails to cause true"},
-    {vel_op_truncate, "truncate", 2, 3, false, 0, false, dist, true,
-     "a lower bound, a distribution and an optional upper bound, or a distribution and an "
-     "upper bound"},
-    {vel_op_aggregate, "aggregate", 2, 2, false, 0x3, false, dist, true,
-     "a count node and an item node"},
-    {vel_op_probability, "probability", 1, 1, false, 0, true, num, true, "one condition on a node"},
-    {vel_op_variance, "variance", 1, 1, false, 0x1, false, num, true, "a node"},
-    {vel_op_quantile, "quantile", 2, 2, false, 0x1, false, num, true, "a node and a probability"},
-    {vel_op_min, "min", 1, many, false, 0, false, num, true, "one or more numbers"},
-    {vel_op_max, "max", 1, many, false, 0, false, num, true, "one or more numbers"},
-    {vel_op_log, "log", 1, 1, false, 0, false, num, true, "a number"},
-    {vel_op_log2, "log2", 1, 1, false, 0, false, num, true, "a number"},
-    {vel_op_log10, "log10", 1, 1, false, 0, false, num, true, "a number"},
-    {vel_op_exp, "exp", 1, 1, false, 0, false, num, true, "a number"},
-    {vel_op_sin, "sin", 1, 1, false, 0, false, num, true, "a number"},
-    {vel_op_cos, "cos", 1, 1, false, 0, false, num, true, "a number"},
-    {vel_op_tan, "tan", 1, 1, false, 0, false, num, true, "a number"},
-    {vel_op_sinh, "sinh", 1, 1, false, 0, false, num, true, "a number"},
-    {vel_op_cosh, "cosh", 1, 1, false, 0, false, num, true, "a number"},
-    {vel_op_tanh, "tanh", 1, 1, false, 0, false, num, true, "a number"},
-    {vel_op_sqrt, "sqrt", 1, 1, false, 0, false, num, true, "a number"},
-    {vel_op_abs, "abs", 1, 1, false, 0, false, num, true, "a number"},
-    {vel_op_floor, "floor", 1, 1, false, 0, false, num, true, "a number"},
-    {vel_op_ceil, "ceil", 1, 1, false, 0, false, num, true, "a number"},
-    {vel_op_mod, "mod", 2, 2, false, 0, false, num, true, "a number and a divisor"},
-    {vel_op_if, "if", 3, 3, false, 0, false, 0, true,
-     "a condition, a value if true and a value if false"},
-    {vel_op_and, "and", 0, many, false, 0, false, boolean, true, "any number of conditions"},
-    {vel_op_or, "or", 0, many, false, 0, false, boolean, true, "any number of conditions"},
-    {vel_op_not, "not", 1, 1, false, 0, false, boolean, true, "a condition"},
-    {vel_op_add, "+", 2, 2, false, 0, false, num, false, nullptr},
-    {vel_op_subtract, "-", 2, 2, false, 0, false, num, false, nullptr},
-    {vel_op_multiply, "*", 2, 2, false, 0, false, num, false, nullptr},
-    {vel_op_divide, "/", 2, 2, false, 0, false, num, false, nullptr},
-    {vel_op_power, "^", 2, 2, false, 0, false, num, false, nullptr},
-    {vel_op_negate, "-", 1, 1, false, 0, false, num, false, nullptr},
-    {vel_op_state_index_of, "state_index", 1, 1, false, 0x1, false, num, true, "a node"},
-    {vel_op_equals, "==", 2, 2, false, 0, false, boolean, false, nullptr},
-    {vel_op_less_than, "<", 2, 2, false, 0, false, boolean, false, nullptr},
-    {vel_op_greater_than, ">", 2, 2, false, 0, false, boolean, false, nullptr},
-    {vel_op_not_equals, "!=", 2, 2, false, 0, false, boolean, false, nullptr},
-    {vel_op_less_or_equal, "<=", 2, 2, false, 0, false, boolean, false, nullptr},
-    {vel_op_greater_or_equal, ">=", 2, 2, false, 0, false, boolean, false, nullptr},
-    {vel_op_number, "number", 0, 0, false, 0, false, num, false, nullptr},
-    {vel_op_label, "label", 0, 0, false, 0, false, vel_type_label, false, nullptr},
-    {vel_op_node, "node", 0, 0, false, 0, false, 0, false, nullptr},
-    {vel_op_truth, "truth", 0, 0, false, 0, false, boolean, false, nullptr},
-};
+constexpr auto operators = [] {
+  std::array<OperatorInfo, vel_op_truth - vel_op_Normal + 1> rows = {{
+      call("Normal", 2, 2, dist, "a mean and a variance"),
+      call("LogNormal", 2, 3, dist, "the mean and variance of the logarithm and an optional location"),
+      call("Beta", 2, 4, dist, "shapes alpha and beta, and optionally the bounds a and b"),
+      call("Gamma", 2, 3, dist, "shape, scale and an optional location"),
+      call("Exponential", 1, 2, dist, "a scale (the mean) and an optional location"),
+      call("Weibull", 2, 3, dist, "shape, scale and an optional location"),
+      call("Uniform", 2, 2, dist, "the bounds a and b"),
+      call("Triangular", 3, 3, dist, "the minimum a, the mode m and the maximum b"),
+      call("PERT", 3, 4, dist, "the minimum a, the mode m, the maximum b and an optional shape lambda"),
+      call("Binomial", 2, 2, dist, "the number of trials and the probability of success"),
+      call("Poisson", 1, 1, dist, "a mean"),
+      call("NegativeBinomial", 2, 2, dist, "the number of successes r and the probability of success p"),
+      call("Geometric", 1, 1, dist, "the probability of success p"),
+      call("Distribution", 1, many, dist, "one weight per state of the node"),
+      {0, "NoisyOR", 2, many, true, 0, false, dist, true,
+       "pairs of a condition and the probability that it fails to cause true"},
+      call("truncate", 2, 3, dist,
+           "a lower bound, a distribution and an optional upper bound, or a distribution and an upper bound"),
+      call("aggregate", 2, 2, dist, "a count node and an item node", 0x3),
+      {0, "probability", 1, 1, false, 0, true, num, true, "one condition on a node"},
+      call("variance", 1, 1, num, "a node", 0x1),
+      call("quantile", 2, 2, num, "a node and a probability", 0x1),
+      call("min", 1, many, num, "one or more numbers"),
+      call("max", 1, many, num, "one or more numbers"),
+      of_a_number("log"), of_a_number("log2"), of_a_number("log10"), of_a_number("exp"),
+      of_a_number("sin"), of_a_number("cos"), of_a_number("tan"), of_a_number("sinh"),
+      of_a_number("cosh"), of_a_number("tanh"), of_a_number("sqrt"), of_a_number("abs"),
+      of_a_number("floor"), of_a_number("ceil"),
+      call("mod", 2, 2, num, "a number and a divisor"),
+      call("if", 3, 3, 0, "a condition, a value if true and a value if false"),
+      call("and", 0, many, boolean, "any number of conditions"),
+      call("or", 0, many, boolean, "any number of conditions"),
+      call("not", 1, 1, boolean, "a condition"),
+      symbol("+", 2, num), symbol("-", 2, num), symbol("*", 2, num), symbol("/", 2, num),
+      symbol("^", 2, num), symbol("-", 1, num),
+      call("state_index", 1, 1, num, "a node", 0x1),
+      symbol("==", 2, boolean), symbol("<", 2, boolean), symbol(">", 2, boolean),
+      symbol("!=", 2, boolean), symbol("<=", 2, boolean), symbol(">=", 2, boolean),
+      symbol("number", 0, num), symbol("label", 0, vel_type_label), symbol("node", 0, 0),
+      symbol("truth", 0, boolean),
+  }};
+  for (std::size_t i = 0; i < rows.size(); ++i) rows[i].code = vel_op_Normal + static_cast<int>(i);
+  return rows;
+}();
 
 }  // namespace
 
 const OperatorInfo *find_operator(int code) {
-  for (const OperatorInfo &info : operators)
-    if (info.code == code) return &info;
-  return nullptr;
+  if (code < vel_op_Normal || code > vel_op_truth) return nullptr;
+  return &operators[static_cast<std::size_t>(code - vel_op_Normal)];
 }
 
 const OperatorInfo *find_call(std::string_view name) {
