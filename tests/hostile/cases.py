@@ -82,6 +82,14 @@ def function_chain(length):
     return yaml_file(*nodes, head="inference: {}\n")
 
 
+def children_first(count):
+    # Every parent written after its child (a search per parent would be
+    # quadratic), then a duplicate name in the last line.
+    nodes = [f"{{name: N{i}, type: boolean" + (f", parents: [N{i + 1}]}}" if i + 1 < count else "}")
+             for i in range(count)]
+    return yaml_file(*nodes, f"{{name: N{count // 2}, type: boolean}}")
+
+
 def many_model_nodes(count):
     # A model over 20,000 one-state parents: every search per model node
     # would cost the square of that.
@@ -175,6 +183,8 @@ CASES = [
     # Long chains and wide models.
     Case("long_chain", "chain.yaml", chain(10000), check=0, every_command=False),
     Case("long_function_chain", "functions.yaml", function_chain(10000), check=0, node="F9999"),
+    Case("children_first", "children.yaml", children_first(100000), load=True,
+         message="^duplicate node name 'N50000'$", every_command=False),
     Case("many_model_nodes", "wide.yaml", many_model_nodes(20000), check=1, message="more than the limit of 1000",
          every_command=False),
     Case("empty_file", "empty.yaml", lambda: b"", load=True),
