@@ -35,34 +35,17 @@ class Evaluation {
     const Operand a = operand(in.a, in.level), b = operand(in.b, in.level), c = operand(in.c, in.level);
     bool any = false;
     switch (in.kind) {
-      case op_sample:
-        sample(in.level);
-        break;
-      case op_unary:
-        any = unary(in.code, a);
-        break;
-      case op_binary:
-        any = binary(in.code, a, b);
-        break;
+      case op_sample: sample(in.level); break;
+      case op_unary: any = unary(in.code, a); break;
+      case op_binary: any = binary(in.code, a, b); break;
       case op_min_step:
-      case op_max_step:
-        any = steps(in.kind == op_min_step, a, b);
-        break;
-      case op_compare:
-        any = compare(in.code, a, b);
-        break;
+      case op_max_step: any = steps(in.kind == op_min_step, a, b); break;
+      case op_compare: any = compare(in.code, a, b); break;
       case op_and:
-      case op_or:
-        any = logic(in.kind == op_and, a, b);
-        break;
-      case op_not:
-        any = negation(a);
-        break;
-      case op_if:
-        any = choice(a, b, c);
-        break;
-      default:
-        break;
+      case op_or: any = logic(in.kind == op_and, a, b); break;
+      case op_not: any = negation(a); break;
+      case op_if: any = choice(a, b, c); break;
+      default: break;
     }
     plan_->any_failed[i] = any;
   }
