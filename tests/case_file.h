@@ -31,6 +31,13 @@ class Case {
   }
   int integer(std::string_view name) const { return std::stoi((*this)[name]); }
   double number(std::string_view name) const { return std::stod((*this)[name]); }
+  // A field of numbers separated by blanks.
+  std::vector<double> numbers(std::string_view name) const {
+    std::vector<double> values;
+    std::istringstream words((*this)[name]);
+    for (std::string word; words >> word;) values.push_back(std::stod(word));
+    return values;
+  }
   const std::vector<std::string> &fields() const { return fields_; }
   const std::vector<std::string> &names() const { return *names_; }
   int line() const { return line_; }  // in the case file, for messages

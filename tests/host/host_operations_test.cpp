@@ -2,10 +2,8 @@
 // values, value-to-state lookups, labels and the log file.
 #include <gtest/gtest.h>
 
-#include <cfloat>
 #include <cmath>
 #include <cstdint>
-#include <sstream>
 #include <string>
 #include <vector>
 
@@ -41,9 +39,7 @@ class HostOperationsTest : public ::testing::Test {
 
 TEST_F(HostOperationsTest, StateValueVerdicts) {
   for (const auto &c : vel_test::read_cases("host/data/state_value_verdicts.tsv")) {
-    std::vector<double> values;
-    std::istringstream words(c["values"]);
-    for (std::string word; words >> word;) values.push_back(std::stod(word));
+    const std::vector<double> values = c.numbers("values");
     const int subtype = c["node"] == "numbered" ? vel_subtype_numbered : vel_subtype_interval;
     vel_node_t *node = valued(subtype, values);
     EXPECT_EQ(_vel_node_check_status_of_state_values(node), c.integer("verdict")) << c["values"];

@@ -1,7 +1,5 @@
 // Rows of state probabilities: sampling of interval parents, deterministic
 // values, the explicit distributions and aggregate, with their messages.
-#include <sstream>
-
 #include "case_file.h"
 #include "generation_test_support.h"
 
@@ -45,8 +43,7 @@ TEST_F(ComputeDistributionTest, DeterministicValuesAndExplicitDistributions) {
                          (c["message"].empty() ? "" : "\n"));
     if (c.integer("code") == 0) {
       std::vector<double> row;  // entries are single-precision
-      std::istringstream entries(c["row"]);
-      for (double p; entries >> p;) row.push_back(static_cast<float>(p));
+      for (double p : c.numbers("row")) row.push_back(static_cast<float>(p));
       EXPECT_EQ(table(x), row);
     }
   }

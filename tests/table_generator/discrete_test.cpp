@@ -2,33 +2,22 @@
 // of every discrete law (numbered tails, the running point over zero-width
 // and fractional interval states) are checked against mpmath in tests/cli.
 #include <cmath>
-#include <fstream>
-#include <sstream>
 
+#include "case_file.h"
 #include "generation_test_support.h"
 #include "table_generator/binomial.h"
 
 namespace {
 
-
 TEST(BinomialProduct, MatchesMpmath) {
-  std::ifstream in(std::string(VEL_SOURCE_DIR) + "/tests/cli/data/distributions/binomial.csv");
-  ASSERT_TRUE(in.is_open());
-  std::string line;
-  std::getline(in, line);  // header
-  int cases = 0;
-  while (std::getline(in, line)) {
-    std::istringstream fields(line);
-    double trials, p, want;
-    uint64_t k;
-    char comma;
-    fields >> trials >> comma >> p >> comma >> k >> comma >> want;
-    SCOPED_TRACE(line);
+  const auto cases = vel_test::read_cases("cli/data/distributions/binomial.csv", ',');
+  for (const auto &c : cases) {
+    SCOPED_TRACE(c.line());
+    const double trials = c.number("trials"), want = c.number("probability");
     // The product carries a rounding error per factor: about trials ulps.
-    EXPECT_NEAR(Binomial(trials, p, k), want, 4e-16 * trials * want + 1e-300);
-    ++cases;
+    EXPECT_NEAR(Binomial(trials, c.number("p"), c.integer("k")), want, 4e-16 * trials * want + 1e-300);
   }
-  EXPECT_GE(cases, 10);
+  EXPECT_GE(cases.size(), 10u);
 }
 
 TEST(BinomialProduct, RefusesWhatItCannotForm) {

@@ -8,12 +8,12 @@
 
 #include <cstdio>
 #include <cstdlib>
-#include <fstream>
 #include <sstream>
 #include <string>
 #include <thread>
 #include <vector>
 
+#include "case_file.h"
 #include "io/model_file.h"
 #include "vel/vel.h"
 
@@ -32,13 +32,6 @@ const char *const models[] = {
     "tests/golden/models/fail_label_missing.yaml",
 };
 constexpr int model_count = sizeof models / sizeof models[0];
-
-std::string read_text(const std::string &path) {
-  std::ifstream in(std::string(VEL_SOURCE_DIR) + "/" + path);
-  std::ostringstream text;
-  text << in.rdbuf();
-  return text.str();
-}
 
 // The thread-local error state after a call, as text: the code, and after a
 // failure the message with the position (a parse) or the expression index
@@ -109,7 +102,7 @@ std::string one_round(const std::string &text, const std::string &file) {
 TEST(DomainsInThreads, EveryThreadSeesWhatOneThreadAloneSees) {
   std::vector<std::string> texts, expected;
   for (const char *path : models) {
-    texts.push_back(read_text(path));
+    texts.push_back(vel_test::read_file(std::string(VEL_SOURCE_DIR) + "/" + path));
     expected.push_back(one_round(texts.back(), path));
   }
   // Each thread starts at another model, so that different models run at
