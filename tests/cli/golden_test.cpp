@@ -1,8 +1,9 @@
-// The program's output on every model under tests/golden/models equals the
-// recorded goldens byte for byte: the JSON document and the complete log file
-// with a log, the JSON document without one, and both exit statuses.  The
-// goldens are a regression record of the program (scripts/record_goldens.sh),
-// not independent reference values.
+// Regression records of the program, not independent reference values: its
+// output on every model under tests/golden/models equals the goldens byte for
+// byte (the JSON document and the complete log file with a log, the JSON
+// document without one, and both exit statuses; scripts/record_goldens.sh
+// records them), and every bundled example generates exactly its committed
+// expected output.
 #include <gtest/gtest.h>
 
 #include <algorithm>
@@ -54,5 +55,21 @@ TEST_P(Golden, OutputEqualsTheRecord) {
 
 INSTANTIATE_TEST_SUITE_P(Models, Golden, testing::ValuesIn(golden_models()),
                          [](const testing::TestParamInfo<std::string> &info) { return info.param; });
+
+TEST(Examples, OutputEqualsTheCommittedExpectation) {
+  int compared = 0;
+  for (const auto &entry : fs::directory_iterator(fs::path(VEL_SOURCE_DIR) / "examples")) {
+    const fs::path model = entry.path();
+    if (model.extension() != ".yaml") continue;
+    fs::path expected = model;
+    expected.replace_extension(".expected.txt");
+    ASSERT_TRUE(fs::exists(expected)) << expected;
+    const auto run = vel_test::run_vel({"generate", model.string(), "--no-log"});
+    EXPECT_EQ(run.status, 0) << model << "\n" << run.err;
+    EXPECT_EQ(run.out, vel_test::read_file(expected.string())) << model;
+    ++compared;
+  }
+  EXPECT_GE(compared, 1);
+}
 
 }  // namespace
