@@ -9,7 +9,6 @@
 // {0, 1, 2} at (0.5, 0.25, 0.25): the sum of two copies is triangular on
 // [0, 4], so T's intervals [0,1) .. [3,4) get 0.5 + 0.25/2 + 0.25/8,
 // 0.25/2 + 0.25 * 3/8, 0.25 * 3/8 and 0.25/8.
-#include <cmath>
 
 #include "table_generator/generation_test_support.h"
 

@@ -1,7 +1,6 @@
 // The generation driver: which nodes get tables, step order, messages, codes,
-// expression selection, and the working data.
-#include <cstdint>
-
+// what a failure leaves of the table, expression selection, and the working
+// data.
 #include "generation_test_support.h"
 #include "host/allocation.h"
 
@@ -62,6 +61,24 @@ TEST_F(DriverTest, ReportsEveryBadExpressionBeforeFailing) {
             "Invalid expression at index 2\n");
   EXPECT_EQ(table(x), before);
   EXPECT_NE(vel_model_get_tables_outdated(m), 0);
+}
+
+// A row that fails in the fill ends it: the rows before it are written.
+TEST_F(DriverTest, FailedRowStopsTheFillAndKeepsEarlierRows) {
+  vel_node_t *p = numbered("P", {0, 1, 2});
+  vel_node_t *x = numbered("X", {0, 1});
+  parents(x, {p});
+  vel_model_t *m = model(x, {}, {"P"});
+  std::vector<double> before(6, 0.5);
+  vel_node_set_table_data(x, before.data(), before.size());
+  use_log();
+  EXPECT_EQ(vel_node_generate_table(x), vel_error_invalid_expression);
+  EXPECT_EQ(log(),
+            "Using model for X to generate a conditional probability table\n"
+            "Node X does not have a state with value 2\n");
+  EXPECT_EQ(table(x), (std::vector<double>{1, 0, 0, 1, 0.5, 0.5}));
+  EXPECT_NE(vel_model_get_tables_outdated(m), 0);
+  EXPECT_EQ(p->state_index, -1);
 }
 
 // A failure ends the walk: earlier nodes keep their new tables, the failing
