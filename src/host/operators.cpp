@@ -1,5 +1,6 @@
 #include "host/operators.h"
 
+#include <algorithm>
 #include <array>
 
 #include "common/error.h"
@@ -74,6 +75,8 @@ constexpr auto operators = [] {
   for (std::size_t i = 0; i < rows.size(); ++i) rows[i].code = vel_op_Normal + static_cast<int>(i);
   return rows;
 }();
+// A missing row would leave the last codes without a name.
+static_assert(std::all_of(operators.begin(), operators.end(), [](const OperatorInfo &info) { return info.name; }));
 
 }  // namespace
 
