@@ -1,5 +1,5 @@
-// Tables out: the exact text, CSV and JSON layouts over literal tables loaded
-// in storage order.
+// Tables out: the JSON document, with the failure that ended the run, and
+// number text (the generate transcript holds the text and CSV layouts).
 #include <gtest/gtest.h>
 
 #include <cmath>
@@ -14,36 +14,12 @@
 
 namespace {
 
-
-
 class TableOutput : public testing::Test {
  protected:
   vel_node_t *node(const char *name) { return vel_test::node(model_, name); }
-  vel::io::LoadedModel model_ = vel::io::load_model_text(vel_test::test_file_text("io/data/plant.yaml"), "plant.yaml");
+  vel::io::LoadedModel model_ = vel::io::load_model_text(vel_test::test_file_text("cli/data/plant.yaml"), "plant.yaml");
   std::ostringstream out_;
 };
-
-// The examples' expected output covers tables with parents.
-TEST_F(TableOutput, TextOfATableWithoutParentsHasNoRowHeadings) {
-  vel::io::write_table_text(out_, node("Frost"));
-  EXPECT_EQ(out_.str(), "Frost: conditional probability table\nfalse  true\n-----------\n    1     0\n");
-}
-
-TEST_F(TableOutput, CsvQuotesFieldsAsRfc4180) {
-  vel::io::write_table_csv(out_, node("Temp"));
-  vel::io::write_table_csv(out_, node("Cost"));
-  EXPECT_EQ(out_.str(),
-            "# Temp (conditional probability)\n"
-            "Season,[-inf;0),[0;10.5)\n"
-            "\"winter, dry\",0.5,0.5\n"
-            "\"wet, \"\"cold\"\"\",0.33333334,0\n"
-            "# Cost (utility)\n"
-            "Season,Frost,utility\n"
-            "\"winter, dry\",false,-40\n"
-            "\"winter, dry\",true,1e-05\n"
-            "\"wet, \"\"cold\"\"\",false,2.5\n"
-            "\"wet, \"\"cold\"\"\",true,1e+08\n");
-}
 
 TEST_F(TableOutput, JsonDocumentWithTheFailureThatEndedTheRun) {
   const vel::io::GenerationError error{34, "Temp", "Node Temp: \"x\"\nsecond line"};
