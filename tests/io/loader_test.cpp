@@ -59,14 +59,6 @@ nodes:
   }
 }
 
-TEST(Loader, JsonDocumentAndDomainNameFromTheFile) {
-  const auto model = load_model_text(
-      R"({"nodes": [{"name": "T", "type": "interval", "states": ["-inf", 0, "inf"]}]})", "dir/plant.model.json");
-  EXPECT_EQ(model.name, "plant.model");
-  EXPECT_EQ(vel_node_get_state_value(node(model, "T"), 0), -vel_infinity);
-  EXPECT_EQ(vel_node_get_state_value(node(model, "T"), 2), vel_infinity);
-}
-
 // Chance reads S's beliefs through probability, Observed takes E's state from
 // its evidence (normal mode) or its beliefs (fast mode), and Total aggregates
 // Item over Count's beliefs: no item half the time, so [0;1) gets
